@@ -1,0 +1,38 @@
+# Two commands on a fresh Debian 12 machine:
+#   make run    installs what is missing, builds and starts Varnoth
+#   make test   installs what is missing, builds and runs every test
+BUILD ?= build
+JOBS ?= $(shell nproc)
+
+.PHONY: deps build run test bench sanitize batch format clean
+
+deps:
+	@scripts/install-deps.sh
+
+build: deps
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release
+	cmake --build $(BUILD) -j $(JOBS)
+
+run: build
+	@if [ -x $(BUILD)/varnoth ]; then $(BUILD)/varnoth; else $(BUILD)/varnoth-batch; fi
+
+batch: build
+	$(BUILD)/varnoth-batch
+
+test: build
+	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
+
+bench: build
+	$(BUILD)/bench/varnoth_bench
+
+# The whole test suite under AddressSanitizer and UndefinedBehaviorSanitizer.
+sanitize: deps
+	cmake -S . -B build-sanitize -DCMAKE_BUILD_TYPE=Debug -DVARNOTH_SANITIZE=ON -DVARNOTH_BENCH=OFF
+	cmake --build build-sanitize -j $(JOBS)
+	cd build-sanitize && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
+
+format:
+	find src tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format -i
+
+clean:
+	rm -rf $(BUILD) build-sanitize

@@ -1,0 +1,20 @@
+# The desktop program: presentation (Qt Gui), windows (Qt Widgets) and main.
+find_package(Qt6 REQUIRED COMPONENTS Core Gui Widgets PrintSupport)
+set(CMAKE_AUTOMOC ON)
+
+file(GLOB VARNOTH_PRESENTATION_SOURCES CONFIGURE_DEPENDS src/presentation/*.cpp src/presentation/*.h)
+if(VARNOTH_PRESENTATION_SOURCES)
+  add_library(varnoth_presentation STATIC ${VARNOTH_PRESENTATION_SOURCES})
+  target_link_libraries(varnoth_presentation PUBLIC varnoth_engine Qt6::Gui)
+endif()
+
+file(GLOB VARNOTH_UI_SOURCES CONFIGURE_DEPENDS src/ui/*.cpp src/ui/*.h)
+if(VARNOTH_UI_SOURCES)
+  add_library(varnoth_ui STATIC ${VARNOTH_UI_SOURCES})
+  target_link_libraries(varnoth_ui PUBLIC varnoth_presentation Qt6::Widgets Qt6::PrintSupport)
+  file(GLOB VARNOTH_APP_SOURCES CONFIGURE_DEPENDS src/app/*.cpp)
+  if(VARNOTH_APP_SOURCES)
+    add_executable(varnoth ${VARNOTH_APP_SOURCES})
+    target_link_libraries(varnoth PRIVATE varnoth_ui)
+  endif()
+endif()

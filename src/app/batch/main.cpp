@@ -1,0 +1,121 @@
+// varnoth-batch: reproducible runs of the analyses from the command line.
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+
+#include "Batch.h"
+#include "state/Failure.h"
+
+using namespace varnoth;
+using namespace varnoth::batch;
+
+namespace {
+
+const std::vector<OptionSpec> kCoreOptions = {
+    {"--out", "DIR", "folder for the result files (created when missing)"},
+    {"--timestamp", "\"DATE TIME\"", "date and time written into file headers"},
+    {"--help", "", "this text"},
+};
+
+std::vector<OptionSpec> AllOptions() {
+  std::vector<OptionSpec> all = kCoreOptions;
+  for (const Step& s : Steps()) all.insert(all.end(), s.Options.begin(), s.Options.end());
+  return all;
+}
+
+void PrintUsage(std::ostream& out) {
+  out << "usage: varnoth-batch --reference FILE [--fossil FILE] [options] --out DIR\n"
+         "       varnoth-batch            (runs the example data set into ./varnoth-out)\n\n";
+  for (const OptionSpec& o : AllOptions()) {
+    std::string head = o.Name + (o.ValueName.empty() ? "" : " " + o.ValueName);
+    out << "  " << head << std::string(head.size() < 34 ? 34 - head.size() : 1, ' ') << o.Help
+        << "\n";
+  }
+}
+
+std::string ExamplesDir() {
+  for (const char* candidate : {"data/examples", VARNOTH_EXAMPLES_DIR})
+    if (std::filesystem::exists(std::string(candidate) + "/reference.csv")) return candidate;
+  return "data/examples";
+}
+
+Options Parse(int argc, char** argv) {
+  std::vector<OptionSpec> specs = AllOptions();
+  Options o;
+  for (int i = 1; i < argc; ++i) {
+    std::string arg = argv[i];
+    auto spec = std::find_if(specs.begin(), specs.end(),
+                             [&](const OptionSpec& s) { return s.Name == arg; });
+    if (spec == specs.end()) throw UsageError{"unknown argument " + arg};
+    if (spec->ValueName.empty()) {
+      o.Set(arg, "yes");
+    } else {
+      if (i + 1 >= argc) throw UsageError{arg + " needs a value"};
+      o.Set(arg, argv[++i]);
+    }
+  }
+  return o;
+}
+
+FileStamp StampFrom(const Options& o) {
+  if (!o.Has("--timestamp")) return CurrentStamp();
+  std::string t = o.Get("--timestamp");
+  auto space = t.find(' ');
+  if (space == std::string::npos) throw UsageError{"--timestamp takes \"DATE TIME\""};
+  return {t.substr(0, space), t.substr(space + 1)};
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::sort(Steps().begin(), Steps().end(),
+            [](const Step& a, const Step& b) { return a.Order < b.Order; });
+  Options options;
+  bool example = argc == 1;
+  try {
+    if (example) {
+      std::string dir = ExamplesDir();
+      options.Set("--reference", dir + "/reference.csv");
+      options.Set("--fossil", dir + "/fossil.csv");
+      options.Set("--out", "varnoth-out");
+    } else {
+      options = Parse(argc, argv);
+      if (options.Has("--help")) {
+        PrintUsage(std::cout);
+        return 0;
+      }
+      if (!options.Has("--out")) throw UsageError{"--out is required"};
+    }
+    for (const Step& s : Steps())
+      if (s.Check) s.Check(options);
+  } catch (const UsageError& e) {
+    std::cerr << "varnoth-batch: " << e.Text << "\n";
+    PrintUsage(std::cerr);
+    return 2;
+  }
+
+  BatchDialogs dialogs(options.Has("--accept-names"));
+  Session session;
+  try {
+    Context context{session, dialogs, options, options.Get("--out"), StampFrom(options)};
+    std::filesystem::create_directories(context.OutDir);
+    for (const Step& s : Steps())
+      if (s.Applies(options)) s.Run(context);
+  } catch (const UsageError& e) {
+    std::cerr << "varnoth-batch: " << e.Text << "\n";
+    PrintUsage(std::cerr);
+    return 2;
+  } catch (const RunStopped&) {
+    return 1;
+  } catch (const RuntimeFailure& e) {
+    std::cerr << "Error: " << e.what() << "\n";
+    return 1;
+  } catch (const std::filesystem::filesystem_error& e) {
+    std::cerr << "Error: " << e.what() << "\n";
+    return 1;
+  }
+  if (example)
+    std::cout << "Ran the example data set; the result files are in "
+              << std::filesystem::absolute(options.Get("--out")).string() << "\n";
+  return 0;
+}

@@ -1,0 +1,421 @@
+#include "eof/Eigen.h"
+
+#include <chrono>
+#include <cmath>
+#include <vector>
+
+#include "state/Parallel.h"
+
+namespace varnoth {
+
+namespace {
+
+double SecondsOfDay() {
+  using namespace std::chrono;
+  auto now = system_clock::now().time_since_epoch();
+  return static_cast<double>(duration_cast<microseconds>(now).count() % 86400000000LL) / 1e6;
+}
+
+// Mean and population deviation of `count` values given by `value(k)`,
+// k = 1..count, summed in index order.
+template <typename F>
+void MeanAndDeviation(long count, F value, double& mean, double& deviation) {
+  double sum = 0;
+  for (long k = 1; k <= count; ++k) sum += value(k);
+  mean = Div(sum, count);
+  double squares = 0;
+  for (long k = 1; k <= count; ++k) {
+    double d = value(k) - mean;
+    squares += d * d;
+  }
+  deviation = std::sqrt(Div(squares, count));
+}
+
+// The sort of PowerEigen: j walks up while neighbours are in order; a swap
+// sends it back to column 0, which then takes part too. `less(a, b)` tells
+// whether column a's eigenvalue is smaller than column b's.
+template <typename Less, typename Swap>
+void SortProcedure(long n, Less less, Swap swap) {
+  long j = 1;
+  do {
+    if (less(j, j + 1)) {
+      swap(j, j + 1);
+      j = 0;
+    } else {
+      ++j;
+    }
+  } while (j != n);
+}
+
+// Columns sums of rows 1..rows, each in row order, for columns 1..cols.
+std::vector<double> ColumnSums(const Array2<double>& X, long rows, long cols) {
+  std::vector<double> sums(static_cast<std::size_t>(cols + 1), 0.0);
+  for (long r = 1; r <= rows; ++r) {
+    const double* x = X.Row(r, cols);
+    for (long j = 1; j <= cols; ++j) sums[j] += x[j];
+  }
+  return sums;
+}
+
+// The upper triangle (j >= i) of D'D with each cell summed in row order,
+// where D holds the centred columns. Vectorised across j, tiled so that a
+// block of accumulators stays in the first-level cache.
+void CrossProducts(const std::vector<double>& D, long rows, long n, std::vector<double>& S) {
+  const long stride = n + 1;
+  constexpr long kBlockI = 4, kBlockJ = 256;
+  long blocks = (n + kBlockI - 1) / kBlockI;
+  ParallelRows(0, blocks - 1, 1, [&](long b0, long b1) {
+    std::vector<double> acc(static_cast<std::size_t>(kBlockI * kBlockJ));
+    for (long b = b0; b <= b1; ++b) {
+      long i0 = 1 + b * kBlockI, i1 = std::min(n, i0 + kBlockI - 1);
+      long bi = i1 - i0 + 1;
+      for (long j0 = i0; j0 <= n; j0 += kBlockJ) {
+        long bj = std::min(kBlockJ, n - j0 + 1);
+        std::fill(acc.begin(), acc.end(), 0.0);
+        for (long r = 1; r <= rows; ++r) {
+          const double* d = D.data() + r * stride;
+          const double* dj = d + j0;
+          for (long ii = 0; ii < bi; ++ii) {
+            double di = d[i0 + ii];
+            double* a = acc.data() + ii * kBlockJ;
+            for (long jj = 0; jj < bj; ++jj) a[jj] += di * dj[jj];
+          }
+        }
+        for (long ii = 0; ii < bi; ++ii)
+          for (long jj = 0; jj < bj; ++jj) {
+            long i = i0 + ii, j = j0 + jj;
+            if (j >= i) S[static_cast<std::size_t>(i * stride + j)] = acc[ii * kBlockJ + jj];
+          }
+      }
+    }
+  });
+}
+
+// Step 6 in one go: every cell as CorrelatePair or CovariancePair gives it.
+void BuildMatrix(Session& s, const Array2<double>& X) {
+  const long n = s.TaxaCount, m = s.BaseRowCount;
+  if (s.UseCorrelation) {
+    for (long i = 1; i <= n; ++i) s.EofMatrix(i, i) = 1;
+    if (n < 2) return;
+    // CorrelatePair copies the columns into an array sized by the reference
+    // rows and divides the sums by that count.
+    if (m > s.RefSiteCount) ThrowSubscript();
+  }
+  const double divisor = s.UseCorrelation ? s.RefSiteCount : m;
+  X.Require(m, n);
+  std::vector<double> mean = ColumnSums(X, m, n);
+  for (long j = 1; j <= n; ++j) mean[j] = Div(mean[j], divisor);
+  const long stride = n + 1;
+  std::vector<double> D(static_cast<std::size_t>((m + 1) * stride), 0.0);
+  for (long r = 1; r <= m; ++r) {
+    const double* x = X.Row(r, n);
+    double* d = D.data() + r * stride;
+    for (long j = 1; j <= n; ++j) d[j] = x[j] - mean[j];
+  }
+  std::vector<double> S(static_cast<std::size_t>(stride * stride), 0.0);
+  CrossProducts(D, m, n, S);
+  auto cell = [&](long i, long j) { return S[static_cast<std::size_t>(i * stride + j)]; };
+  for (long i = 1; i <= n; ++i) {
+    for (long j = i; j <= n; ++j) {
+      if (s.UseCorrelation) {
+        if (i == j) continue;
+        double d = std::sqrt(cell(j, j) * cell(i, i));
+        if (d != 0) s.EofMatrix(i, j) = cell(i, j) / d;
+      } else if (m >= 2) {
+        s.EofMatrix(i, j) = cell(i, j) / m;
+      }
+      s.EofMatrix(j, i) = s.EofMatrix(i, j);
+    }
+  }
+}
+
+// Power iteration for all components on a transposed copy of the matrix, so
+// that A v runs as column updates vectorised across rows while each w(r)
+// keeps its sum over k in index order.
+void PowerIterations(Session& s, Progress& progress) {
+  const long n = s.EigenOrder;
+  s.EigenWork.Require(n, n);
+  s.EigenVectors.Require(n + 1, n);
+  const std::size_t nn = static_cast<std::size_t>(n);
+  std::vector<double> AT(nn * nn);  // AT[k * n + r] = A(r, k), 0-based
+  for (long r = 1; r <= n; ++r)
+    for (long k = 1; k <= n; ++k) AT[(k - 1) * nn + (r - 1)] = s.EigenWork(r, k);
+  std::vector<double> v(nn), w(nn), vs(nn);
+  for (long c = 1; c <= n; ++c) {
+    progress.Step(c);
+    std::fill(v.begin(), v.end(), 0.0);
+    v[0] = 1;
+    double norm = 0;
+    for (int it = 0; it < 20; ++it) {
+      std::fill(w.begin(), w.end(), 0.0);
+      for (std::size_t k = 0; k < nn; ++k) {
+        const double vk = v[k];
+        const double* a = AT.data() + k * nn;
+        for (std::size_t r = 0; r < nn; ++r) w[r] += vk * a[r];
+      }
+      double sq = 0;
+      for (std::size_t r = 0; r < nn; ++r) sq += w[r] * w[r];
+      norm = std::sqrt(sq);
+      if (norm == 0) {
+        std::fill(v.begin(), v.end(), 0.0);
+      } else {
+        for (std::size_t r = 0; r < nn; ++r) v[r] = w[r] / norm;
+      }
+    }
+    s.EigenVectors(n + 1, c) = norm;
+    for (std::size_t r = 0; r < nn; ++r) s.EigenVectors(static_cast<long>(r) + 1, c) = v[r];
+    for (std::size_t r = 0; r < nn; ++r) vs[r] = v[r] * norm;
+    for (std::size_t k = 0; k < nn; ++k) {
+      const double vk = v[k];
+      double* a = AT.data() + k * nn;
+      for (std::size_t r = 0; r < nn; ++r) a[r] = a[r] - vs[r] * vk;
+    }
+  }
+  for (long r = 1; r <= n; ++r)
+    for (long k = 1; k <= n; ++k) s.EigenWork(r, k) = AT[(k - 1) * nn + (r - 1)];
+}
+
+// The three passes' sorts on the computed columns: column 0 carries over
+// from one pass to the next, columns 1..n start afresh each time.
+void SortThreePasses(Session& s) {
+  const long n = s.EigenOrder;
+  const long rows = n + 1;
+  Array2<double>& E = s.EigenVectors;
+  E.Require(rows, n);
+  // Source 0 is the content of column 0, sources 1..n the computed columns.
+  std::vector<std::vector<double>> source(static_cast<std::size_t>(n + 1),
+                                          std::vector<double>(static_cast<std::size_t>(rows + 1)));
+  for (long c = 0; c <= n; ++c)
+    for (long r = 0; r <= rows; ++r) source[c][r] = E(r, c);
+  std::vector<long> place(static_cast<std::size_t>(n + 1));
+  for (int pass = 1; pass <= 3; ++pass) {
+    for (long c = 0; c <= n; ++c) place[c] = c;
+    SortProcedure(
+        n,
+        [&](long a, long b) {
+          if (b > n) ThrowSubscript();
+          return source[place[a]][rows] < source[place[b]][rows];
+        },
+        [&](long a, long b) { std::swap(place[a], place[b]); });
+    if (pass < 3) {
+      std::vector<double> zero = source[place[0]];
+      source[0] = zero;
+    }
+  }
+  // Rows 1..n+1 move with their columns; row 0 stays.
+  for (long c = 0; c <= n; ++c)
+    for (long r = 1; r <= rows; ++r) E(r, c) = source[place[c]][r];
+}
+
+}  // namespace
+
+const Array2<double>& BaseTable(const Session& s) {
+  return s.ReferenceIsBase ? s.RefData : s.FossilData;
+}
+
+void CorrelatePair(Session& s, long i, long j) {
+  const Array2<double>& X = BaseTable(s);
+  const long m = s.BaseRowCount;
+  Array1<double> x(s.RefSiteCount), y(s.RefSiteCount);
+  for (long r = 1; r <= m; ++r) {
+    x(r) = X(r, i);
+    y(r) = X(r, j);
+  }
+  double sx = 0, sy = 0;
+  for (long r = 1; r <= m; ++r) {
+    sx += x(r);
+    sy += y(r);
+  }
+  const double mx = Div(sx, s.RefSiteCount), my = Div(sy, s.RefSiteCount);
+  double sxy = 0, sxx = 0, syy = 0;
+  for (long r = 1; r <= m; ++r) {
+    sxy += (x(r) - mx) * (y(r) - my);
+    sxx += (x(r) - mx) * (x(r) - mx);
+    syy += (y(r) - my) * (y(r) - my);
+  }
+  double d = std::sqrt(syy * sxx);
+  if (d != 0)
+    s.EofMatrix(i, j) = sxy / d;
+  else if (i == j)
+    s.EofMatrix(i, j) = 1;
+}
+
+void CovariancePair(Session& s, long i, long j) {
+  const Array2<double>& X = BaseTable(s);
+  const long m = s.BaseRowCount;
+  double sx = 0, sy = 0;
+  for (long r = 1; r <= m; ++r) {
+    sx += X(r, i);
+    sy += X(r, j);
+  }
+  const double mx = Div(sx, m), my = Div(sy, m);
+  double sxy = 0;
+  for (long r = 1; r <= m; ++r) sxy += (X(r, i) - mx) * (X(r, j) - my);
+  if (m >= 2) s.EofMatrix(i, j) = sxy / m;
+}
+
+void SortComponents(Array2<double>& E, long n) {
+  SortProcedure(
+      n, [&](long a, long b) { return E(n + 1, a) < E(n + 1, b); },
+      [&](long a, long b) {
+        for (long r = 1; r <= n + 1; ++r) std::swap(E(r, a), E(r, b));
+      });
+}
+
+void PowerEigen(Session& s, int pass, Progress& progress) {
+  const long n = s.EigenOrder;
+  Array2<double>& A = s.EigenWork;
+  Array2<double>& E = s.EigenVectors;
+  Array1<double> w(n);
+  for (long c = 1; c <= n; ++c) {
+    progress.Step(static_cast<long>(pass - 1) * s.TaxaCount + c);
+    E(1, c) = 1;
+    for (long r = 2; r <= n; ++r) E(r, c) = 0;
+    double norm = 0;
+    for (int it = 0; it < 20; ++it) {
+      for (long r = 1; r <= n; ++r) {
+        double sum = 0;
+        for (long k = 1; k <= n; ++k) sum += E(k, c) * A(r, k);
+        w(r) = sum;
+      }
+      double sq = 0;
+      for (long r = 1; r <= n; ++r) sq += w(r) * w(r);
+      norm = std::sqrt(sq);
+      E(n + 1, c) = norm;
+      for (long r = 1; r <= n; ++r) E(r, c) = norm == 0 ? 0 : w(r) / norm;
+    }
+    for (long r = 1; r <= n; ++r)
+      for (long k = 1; k <= n; ++k) A(r, k) = A(r, k) - E(r, c) * norm * E(k, c);
+  }
+  SortComponents(E, n);
+}
+
+void ComputeLoadings(Session& s) {
+  const long n = s.TaxaCount;
+  for (long c = 1; c <= n; ++c) {
+    double root = std::sqrt(s.EigenVectors(n + 1, c));
+    for (long i = 1; i <= n; ++i) s.Loadings(i, c) = s.EigenVectors(i, c) * root;
+    double mean, deviation;
+    MeanAndDeviation(n, [&](long i) { return s.Loadings(i, c); }, mean, deviation);
+    for (long i = 1; i <= n; ++i)
+      s.Loadings(i, c) = deviation == 0 ? 0 : (s.Loadings(i, c) - mean) / deviation;
+  }
+}
+
+void ComputeContributions(Session& s) {
+  const long n = s.TaxaCount;
+  s.Contribution.ReDim(n);
+  s.CumContribution.ReDim(n);
+  s.CumContribution(0) = 0;
+  for (long c = 1; c <= n; ++c) {
+    s.Contribution(c) = ToSingle(s.EigenVectors(n + 1, c) * 100 / n);
+    s.CumContribution(c) = ToSingle(static_cast<double>(s.CumContribution(c - 1)) +
+                                    static_cast<double>(s.Contribution(c)));
+  }
+  for (long c = 1; c <= n; ++c) {
+    // The total is read afresh each time, so at c = n it is still the old one.
+    float total = s.CumContribution(n);
+    float hundred = 100.0f;
+    s.Contribution(c) = ToSingle(Div(ToSingle(s.Contribution(c) * hundred), total));
+    s.CumContribution(c) = ToSingle(Div(ToSingle(s.CumContribution(c) * hundred), total));
+  }
+}
+
+void ComputeBaseScores(Session& s, const Array2<double>& X) {
+  const long n = s.TaxaCount, m = s.BaseRowCount;
+  X.Require(m, n);
+  // Data statistics per taxon, and the standardised table.
+  std::vector<double> mean(static_cast<std::size_t>(n + 1)), dev(static_cast<std::size_t>(n + 1));
+  for (long j = 1; j <= n; ++j) {
+    MeanAndDeviation(m, [&](long r) { return X(r, j); }, mean[j], dev[j]);
+    s.ColumnMean(0, j) = mean[j];
+    s.ColumnStd(0, j) = dev[j];
+  }
+  const std::size_t stride = static_cast<std::size_t>(n + 1);
+  std::vector<double> Z(static_cast<std::size_t>(m + 1) * stride, 0.0);
+  for (long r = 1; r <= m; ++r) {
+    const double* x = X.Row(r, n);
+    double* z = Z.data() + r * stride;
+    for (long j = 1; j <= n; ++j) z[j] = dev[j] == 0 ? 0 : (x[j] - mean[j]) / dev[j];
+  }
+  std::vector<double> zsum(stride, 0.0);
+  for (long r = 1; r <= m; ++r)
+    for (long j = 1; j <= n; ++j) zsum[j] += Z[r * stride + j];
+  for (long j = 1; j <= n; ++j) s.ColumnMean(1, j) = Div(zsum[j], m);
+
+  Array2<double>& raw = s.ReferenceIsBase ? s.RefScoreRaw : s.FossilScoreRaw;
+  Array2<double>& scores = s.ReferenceIsBase ? s.RefScores : s.FossilScores;
+  raw.Require(m, n);
+  scores.Require(m, n);
+  s.EigenVectors.Require(n, n);
+  std::vector<double> centre(stride);
+  for (long j = 1; j <= n; ++j) centre[j] = s.ColumnMean(1, j);
+  ParallelRows(1, m, 64, [&](long r0, long r1) {
+    std::vector<double> zc(stride), acc(stride);
+    for (long r = r0; r <= r1; ++r) {
+      const double* z = Z.data() + r * stride;
+      for (long j = 1; j <= n; ++j) zc[j] = z[j] - centre[j];
+      std::fill(acc.begin(), acc.end(), 0.0);
+      for (long j = 1; j <= n; ++j) {
+        const double f = zc[j];
+        const double* e = s.EigenVectors.Data() + j * stride;
+        for (long c = 1; c <= n; ++c) acc[c] += f * e[c];
+      }
+      double* out = raw.Data() + r * stride;
+      for (long c = 1; c <= n; ++c) out[c] = acc[c];
+    }
+  });
+  for (long c = 1; c <= n; ++c) {
+    double mu, sd;
+    MeanAndDeviation(m, [&](long r) { return raw(r, c); }, mu, sd);
+    s.ColumnMean(2, c) = mu;
+    s.ColumnStd(2, c) = sd;
+    for (long r = 1; r <= m; ++r) scores(r, c) = sd == 0 ? 0 : (raw(r, c) - mu) / sd;
+  }
+}
+
+void RunEofAnalysis(Session& s, Progress& progress) {
+  const long n = s.TaxaCount;
+  const long m = s.BaseRowCount;
+  progress.Start(3L * n);
+  s.EigenWork.ReDim(n, 2 * n);
+  s.EigenVectors.ReDim(n + 1, n);
+  s.EofMatrix.ReDim(n, n);
+  s.Loadings.ReDim(n, n);
+  s.StatWork.ReDim(2, n);
+  s.ColumnMean.ReDim(4, n);
+  s.ColumnStd.ReDim(4, n);
+  for (long i = 1; i <= n; ++i) {
+    s.EigenWork(i, i) = 1;
+    s.EigenWork(i, n + i) = 1;
+    s.EigenVectors(i, i) = 1;
+  }
+  (void)m;
+  s.AnalysisTime = SecondsOfDay();
+  auto started = std::chrono::steady_clock::now();
+
+  // The three passes start from the same input and differ only in how the
+  // sort treats column 0; the matrix and the iterations are done once.
+  const Array2<double>& X = BaseTable(s);
+  BuildMatrix(s, X);
+  for (long i = 1; i <= n; ++i)
+    for (long j = 1; j <= n; ++j) s.EigenWork(i, j) = s.EofMatrix(i, j);
+  PowerIterations(s, progress);
+  SortThreePasses(s);
+  progress.Step(3L * n);
+  ComputeLoadings(s);
+  ComputeContributions(s);
+  ComputeBaseScores(s, X);
+
+  // The scatter is drawn with display axes 1 to 3, which a table of fewer
+  // than 3 taxa cannot hold.
+  for (long a = 1; a <= 3; ++a) (void)s.DisplayAxes(a);
+  s.EofDone = n > 2;
+  s.ReferenceImportOpen = !s.ReferenceIsBase;
+  s.FossilImportOpen = s.ReferenceIsBase;
+  s.AnalysisTime =
+      std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count() * 1e6;
+  progress.Finish();
+}
+
+}  // namespace varnoth

@@ -1,0 +1,86 @@
+#include "eof/PreTreatment.h"
+
+#include <cmath>
+
+#include "eof/Eigen.h"
+
+namespace varnoth {
+
+double LogEnhance(double x) {
+  if (x == 0) return 0;
+  double v = std::log10(100 * x) / 2;
+  // A negative fraction has no logarithm; it is cut like a value below 1 %.
+  if (std::isnan(v) || v < 0) return 0;
+  return v;
+}
+
+double EnhanceValue(double x, const PreTreatmentSettings& settings) {
+  if (!settings.Enhance) return x;
+  return settings.SquareRoot ? std::pow(x, 0.5) : LogEnhance(x);
+}
+
+// Row sums into column 0 and fractions of them, or a plain copy.
+static void PercentageStep(const Array2<double>& data, Array2<double>& proportion, long rows,
+                           long taxa, bool convert) {
+  for (long i = 1; i <= rows; ++i) {
+    if (!convert) {
+      for (long j = 1; j <= taxa; ++j) proportion(i, j) = data(i, j);
+      continue;
+    }
+    double sum = 0;
+    for (long j = 1; j <= taxa; ++j) sum += data(i, j);
+    proportion(i, 0) = sum;
+    for (long j = 1; j <= taxa; ++j) proportion(i, j) = sum == 0 ? 0 : data(i, j) / sum;
+  }
+}
+
+void ApplyPreTreatment(Session& s, const PreTreatmentSettings& settings, Progress& progress) {
+  s.PreTreatment = settings;
+  s.UseCorrelation = settings.Correlation;
+  s.RefProportion.ReDim(s.RefSiteCount, s.RefTaxaCount);
+  PercentageStep(s.RefData, s.RefProportion, s.RefSiteCount, s.RefTaxaCount,
+                 settings.ConvertToPercent);
+  if (!settings.Enhance) {
+    s.EnhanceUsed = false;
+  } else {
+    s.EnhanceUsed = true;
+    // With a fossil base the ranges are those of the still empty reference,
+    // so nothing changes here.
+    Array2<double>& target = s.ReferenceIsBase ? s.RefData : s.FossilData;
+    const Array2<double>& from = s.ReferenceIsBase ? s.RefProportion : s.FossilProportion;
+    for (long i = 1; i <= s.RefSiteCount; ++i)
+      for (long j = 1; j <= s.RefTaxaCount; ++j) target(i, j) = EnhanceValue(from(i, j), settings);
+  }
+  RunEofAnalysis(s, progress);
+}
+
+void FossilPercentageStep(Session& s) {
+  PercentageStep(s.FossilData, s.FossilProportion, s.FossilSampleCount, s.FossilTaxaCount,
+                 s.PreTreatment.ConvertToPercent);
+}
+
+// Without enhancement the second table is put on a percent scale; with it,
+// both tables go through the same transform.
+static void EnhancementStep(Array2<double>& data, const Array2<double>& proportion, long rows,
+                            long taxa, const PreTreatmentSettings& settings) {
+  for (long i = 1; i <= rows; ++i)
+    for (long j = 1; j <= taxa; ++j)
+      data(i, j) = settings.Enhance ? EnhanceValue(proportion(i, j), settings)
+                                    : proportion(i, j) * 100;
+}
+
+void FossilEnhancementStep(Session& s) {
+  EnhancementStep(s.FossilData, s.FossilProportion, s.FossilSampleCount, s.FossilTaxaCount,
+                  s.PreTreatment);
+}
+
+void ReferenceEnhancementStep(Session& s) {
+  // The ranges follow the fossil without enhancement and the reference with
+  // it; either way RefProportion was sized for no reference rows, so the
+  // first access runs off it.
+  long rows = s.PreTreatment.Enhance ? s.RefSiteCount : s.FossilSampleCount;
+  long taxa = s.PreTreatment.Enhance ? s.RefTaxaCount : s.FossilTaxaCount;
+  EnhancementStep(s.RefData, s.RefProportion, rows, taxa, s.PreTreatment);
+}
+
+}  // namespace varnoth

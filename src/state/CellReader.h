@@ -1,0 +1,30 @@
+#pragma once
+// The cell stream that every table reader uses. A comma and a line end both
+// end a cell, leading blanks are dropped, and double quotes around a cell are
+// removed. Lines play no part: a table is defined by its cell count alone.
+#include <string>
+#include <string_view>
+
+namespace varnoth {
+
+class CellReader {
+ public:
+  explicit CellReader(std::string content);
+  // Reads the whole file; a file that cannot be opened is the file failure.
+  static CellReader FromFile(const std::string& path);
+
+  // The next cell. Valid until the reader is destroyed. Reading when nothing
+  // is left is the input-past-end failure.
+  std::string_view Next();
+  // True when only blanks and line ends remain: the end test made at the
+  // start of a row, so a trailing blank line is no row.
+  bool AtEnd() const;
+  std::size_t Position() const { return pos_; }
+  std::size_t Length() const { return text_.size(); }
+
+ private:
+  std::string text_;
+  std::size_t pos_ = 0;
+};
+
+}  // namespace varnoth

@@ -1,0 +1,44 @@
+#pragma once
+// Every question the program asks a user goes through this interface, so that
+// the engine runs without windows and tests answer for the user.
+#include <optional>
+#include <string>
+
+namespace varnoth {
+
+class Dialogs {
+ public:
+  virtual ~Dialogs() = default;
+  // A file name to open, or nothing when the user cancels. The filter is in
+  // the program's own form, "DataFile(*.csv)|*.csv".
+  virtual std::optional<std::string> OpenFileName(const std::string& filter) = 0;
+  // A file name to save to; the dialog asks before an existing file is
+  // replaced, and a "no" there is a cancel.
+  virtual std::optional<std::string> SaveFileName(const std::string& filter) = 0;
+  // A message box with the exclamation icon and one OK button.
+  virtual void Message(const std::string& text, const std::string& title) = 0;
+  // A question with Yes and No buttons; true for Yes.
+  virtual bool Question(const std::string& text, const std::string& title) = 0;
+};
+
+inline constexpr const char* kDataFileFilter = "DataFile(*.csv)|*.csv";
+
+// Progress of long work: a window shows it as its progress bar and busy
+// pointer; the engine only reports.
+class Progress {
+ public:
+  virtual ~Progress() = default;
+  virtual void Start(long maximum) = 0;  // visible, value 0, busy pointer
+  virtual void Step(long value) = 0;
+  virtual void Finish() = 0;             // hidden, value 0, normal pointer
+};
+
+// For callers that want no report.
+class NoProgress final : public Progress {
+ public:
+  void Start(long) override {}
+  void Step(long) override {}
+  void Finish() override {}
+};
+
+}  // namespace varnoth

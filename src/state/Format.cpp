@@ -1,0 +1,107 @@
+#include "state/Format.h"
+
+#include <cerrno>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+#include "state/Failure.h"
+
+namespace varnoth {
+
+static std::string FormatDigits(double v, int digits) {
+  if (std::isnan(v)) return "NaN";
+  if (std::isinf(v)) return v > 0 ? "Inf" : "-Inf";
+  if (v == 0) return "0";  // also folds -0
+  char buf[40];
+  std::snprintf(buf, sizeof buf, "%.*G", digits, v);
+  return buf;
+}
+
+std::string FormatGeneral(double v) { return FormatDigits(v, 15); }
+std::string FormatSingle(float v) { return FormatDigits(static_cast<double>(v), 7); }
+
+namespace {
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+
+// Length of the longest leading decimal number: sign, digits, point, digits,
+// exponent (only when digits follow it). 0 when there is no digit at all.
+std::size_t NumberPrefix(std::string_view t) {
+  std::size_t i = 0, n = t.size();
+  if (i < n && (t[i] == '+' || t[i] == '-')) ++i;
+  std::size_t mantStart = i;
+  bool digits = false;
+  while (i < n && IsDigit(t[i])) ++i, digits = true;
+  if (i < n && t[i] == '.') {
+    ++i;
+    while (i < n && IsDigit(t[i])) ++i, digits = true;
+  }
+  if (!digits) return 0;
+  (void)mantStart;
+  if (i < n && (t[i] == 'e' || t[i] == 'E')) {
+    std::size_t j = i + 1;
+    if (j < n && (t[j] == '+' || t[j] == '-')) ++j;
+    if (j < n && IsDigit(t[j])) {
+      while (j < n && IsDigit(t[j])) ++j;
+      i = j;
+    }
+  }
+  return i;
+}
+
+double Convert(std::string_view t, std::size_t len) {
+  const char* b = t.data();
+  const char* e = b + len;
+  bool negative = false;
+  if (*b == '+') {
+    ++b;
+  } else if (*b == '-') {
+    negative = true;
+    ++b;
+  }
+  double v = 0;
+  auto r = std::from_chars(b, e, v);
+  if (r.ec == std::errc::result_out_of_range) {
+    // Tell an overflow from an underflow the slow way; both are rare.
+    std::string s(b, e);
+    errno = 0;
+    double w = std::strtod(s.c_str(), nullptr);
+    if (std::isinf(w)) ThrowOverflow();
+    v = 0;
+  }
+  return negative ? -v : v;
+}
+}  // namespace
+
+double LenientParse(std::string_view text) {
+  std::size_t start = 0;
+  while (start < text.size() && IsBlank(text[start])) ++start;
+  std::string_view t = text.substr(start);
+  std::size_t len = NumberPrefix(t);
+  if (len == 0) return 0.0;
+  return Convert(t, len);
+}
+
+double StrictParse(std::string_view text) {
+  std::size_t a = 0, b = text.size();
+  while (a < b && IsBlank(text[a])) ++a;
+  while (b > a && IsBlank(text[b - 1])) --b;
+  std::string_view t = text.substr(a, b - a);
+  std::size_t len = NumberPrefix(t);
+  if (len == 0 || len != t.size()) throw RuntimeFailure(FailureKind::TypeMismatch);
+  return Convert(t, len);
+}
+
+bool IsNumberCell(std::string_view cell) {
+  double v;
+  try {
+    v = LenientParse(cell);
+  } catch (const RuntimeFailure&) {
+    return false;  // too large to be a number of this program
+  }
+  return FormatGeneral(v) == cell;
+}
+
+}  // namespace varnoth

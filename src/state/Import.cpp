@@ -1,0 +1,265 @@
+#include "state/Import.h"
+
+#include <vector>
+
+#include "eof/PreTreatment.h"
+#include "eof/Projection.h"
+#include "state/CellReader.h"
+#include "state/Format.h"
+
+namespace varnoth {
+
+namespace {
+
+constexpr long kHeaderUpper = 1000;  // header buffer 0..1000
+constexpr long kRowUpper = 9999;     // label list and value rows 0..9999
+constexpr long kColumnUpper = 1000;  // value columns 0..1000
+
+// Thrown after "Blanc cell detected." or a refused name: the message is
+// already shown, the failure path follows.
+struct ImportAbort {};
+
+// The variables one import fills: the reference's or the fossil's.
+struct Target {
+  bool reference;
+  std::string* fileName;
+  Count* rowCount;
+  Count* taxaCount;
+  Array1<std::string>* labels;
+  Array1<std::string>* names;
+  bool* labelsAreText;
+  Array2<double>* data;
+  Array1<Flag>* rowMarks;
+  Array2<double>* scoreRaw;
+  Array2<double>* scores;
+};
+
+Target ReferenceTarget(Session& s) {
+  return {true,         &s.RefFileName,  &s.RefSiteCount,     &s.RefTaxaCount,
+          &s.RefSiteNames, &s.RefTaxaNames, &s.RefLabelsAreText, &s.RefData,
+          &s.SiteIsExtreme, &s.RefScoreRaw, &s.RefScores};
+}
+
+Target FossilTarget(Session& s) {
+  return {false,          &s.FossilFileName,  &s.FossilSampleCount,   &s.FossilTaxaCount,
+          &s.FossilLabels,   &s.FossilTaxaNames, &s.FossilLabelsAreText, &s.FossilData,
+          &s.SampleIsOut,    &s.FossilScoreRaw,  &s.FossilScores};
+}
+
+// Rows of values during the read, grown as rows arrive; the capacity limit
+// is that of the fixed working matrix.
+class ValueRows {
+ public:
+  explicit ValueRows(long columns) : columns_(columns) {
+    if (columns_ > kColumnUpper) ThrowSubscript();
+  }
+  double* Row(long r) {
+    if (r < 0 || r > kRowUpper) ThrowSubscript();
+    std::size_t need = static_cast<std::size_t>(r + 1) * static_cast<std::size_t>(columns_ + 1);
+    if (values_.size() < need) values_.resize(need, 0.0);
+    return values_.data() + static_cast<std::size_t>(r) * static_cast<std::size_t>(columns_ + 1);
+  }
+
+ private:
+  long columns_;
+  std::vector<double> values_;
+};
+
+std::string NormalisedLabel(std::string_view cell) { return FormatGeneral(LenientParse(cell)); }
+
+// Taxa check of the second import: by position, with the user accepting
+// differing names as synonyms.
+void CheckTaxa(Session& s, Dialogs& dialogs) {
+  if (s.RefTaxaCount != s.FossilTaxaCount) {
+    dialogs.Message("Parameter number inconsistent.", "Error");
+    throw ImportAbort{};
+  }
+  s.TaxaMismatch.ReDim(s.RefTaxaCount);
+  Count c = 0;
+  for (Count j = 1; j <= s.RefTaxaCount; ++j) {
+    const std::string& fossil = s.FossilTaxaNames(j);
+    const std::string& reference = s.RefTaxaNames(j);
+    if (fossil == reference) continue;
+    if (!dialogs.Question("Name inconsistent.  [" + fossil + "] = [" + reference + "]?",
+                          "Error"))
+      throw ImportAbort{};
+    c = Increment(c);
+    s.TaxaMismatch(c) = "[" + fossil + "]/[" + reference + "]";
+  }
+  s.TaxaMismatch(0) = std::to_string(c);
+}
+
+void RunImport(Session& s, const Target& t, const std::optional<std::string>& path,
+               Dialogs& dialogs) {
+  const bool fossil = !t.reference;
+  if (!s.ReferenceIsBase && !s.FossilIsBase) (t.reference ? s.ReferenceIsBase : s.FossilIsBase) = true;
+  const bool isBase = t.reference ? s.ReferenceIsBase : s.FossilIsBase;
+
+  if (!path) throw RuntimeFailure(FailureKind::Cancelled);
+  CellReader in = CellReader::FromFile(*path);
+
+  // Header scan: cells up to and including the first number cell.
+  Array1<std::string> buffer(kHeaderUpper);
+  long k = 0;
+  for (;;) {
+    std::string_view cell = in.Next();
+    buffer(k) = std::string(cell);
+    ++k;
+    if (IsNumberCell(cell)) break;
+  }
+  for (long i = k; i <= 2 * k - 4; ++i) buffer(i) = std::string(in.Next());
+
+  const bool text = !IsNumberCell(buffer(2 * k - 4));
+  const Count n = ToCount(static_cast<long long>(text ? k - 3 : k - 2));
+  *t.labelsAreText = text;
+  *t.taxaCount = n;
+  s.TaxaCount = n;
+
+  if (isBase) {
+    s.EnvelopeAxes.ReDimPreserve(n);
+    s.DisplayAxes.ReDimPreserve(n);
+  }
+
+  // Rows. The names stand in the buffer's first n + 1 cells.
+  Array1<std::string> labels(kRowUpper);
+  ValueRows values(n);
+  Count& rows = *t.rowCount;
+  rows = 0;
+  for (long r = 1;; ++r) {
+    if (in.AtEnd()) break;
+    (void)labels(r);  // the label list holds rows up to 9999
+    rows = ToCount(static_cast<long long>(r));
+    double* v = values.Row(r);
+    if (r == 1) {
+      labels(r) = buffer(n + 1);
+      if (text) {
+        for (long j = 1; j <= n; ++j) v[j] = StrictParse(buffer(n + 1 + j));
+      } else {
+        for (long j = 1; j <= n - 1; ++j) v[j] = StrictParse(buffer(n + 1 + j));
+        v[n] = LenientParse(in.Next());
+      }
+    } else if (r == 2) {
+      labels(r) = text ? buffer(2L * n + 2) : NormalisedLabel(in.Next());
+      for (long j = 1; j <= n; ++j) v[j] = LenientParse(in.Next());
+    } else {
+      std::string_view label = in.Next();
+      labels(r) = text ? std::string(label) : NormalisedLabel(label);
+      for (long j = 1; j <= n; ++j) {
+        std::string_view cell = in.Next();
+        if (cell.empty()) {
+          v[j] = kMissing;
+          dialogs.Message("Blanc cell detected.", "Error");
+          throw ImportAbort{};
+        }
+        v[j] = LenientParse(cell);
+      }
+    }
+  }
+
+  *t.fileName = *path;
+  t.rowMarks->ReDim(rows);
+
+  if (isBase) {
+    s.BaseRowCount = rows;
+    (t.reference ? s.ReferenceImportOpen : s.FossilImportOpen) = false;
+  }
+
+  // The names of this table, for the check against the other one.
+  Array1<std::string>& names = *t.names;
+  names.ReDim(n);
+  for (long j = 0; j <= n; ++j) names(j) = buffer(j);
+
+  if (!isBase) CheckTaxa(s, dialogs);
+
+  t.scoreRaw->ReDim(rows, n);
+  t.scores->ReDim(rows, n);
+
+  if (fossil) {
+    s.FossilEmptySample.ReDim(rows);
+    for (long i = 1; i <= rows; ++i) {
+      const double* v = values.Row(i);
+      double sum = 0;
+      for (long j = 1; j <= n; ++j) sum += v[j] * v[j];
+      s.FossilEmptySample(i) = sum == 0;
+    }
+    // The sample list starts at the first sample that is not empty; a table
+    // of empty samples runs off the end of the list.
+    long first = 1;
+    while (first <= rows && s.FossilEmptySample(first)) ++first;
+    (void)s.FossilEmptySample(first);
+    s.SampleCursor = ToCount(static_cast<long long>(first));
+  }
+
+  s.EigenOrder = n;
+  labels.ReDimPreserve(rows);
+  *t.labels = std::move(labels);
+  Array2<double>& data = *t.data;
+  data.ReDim(rows, n);
+  for (long i = 1; i <= rows; ++i) {
+    const double* v = values.Row(i);
+    double* out = data.Row(i, n);
+    for (long j = 1; j <= n; ++j) out[j] = v[j];
+  }
+  if (fossil) s.FossilProportion.ReDim(rows, n);
+
+  if (s.ReferenceIsBase && fossil) FossilPercentageStep(s);
+}
+
+}  // namespace
+
+static ImportResult Import(Session& s, bool reference, const std::optional<std::string>& path,
+                           Dialogs& dialogs, Progress& progress) {
+  Target t = reference ? ReferenceTarget(s) : FossilTarget(s);
+  ImportResult result;
+  bool failed = false;
+  try {
+    RunImport(s, t, path, dialogs);
+    result.IsBase = reference ? s.ReferenceIsBase : s.FossilIsBase;
+    if (!result.IsBase) {
+      if (reference)
+        ReferenceEnhancementStep(s);
+      else
+        FossilEnhancementStep(s);
+      DoProjection(s, progress);
+      result.Projected = true;
+    }
+  } catch (const RuntimeFailure&) {
+    failed = true;
+  } catch (const ImportAbort&) {
+    failed = true;
+  }
+  if (failed) {
+    // What was read stays in place; only the taxa count marks the set absent.
+    progress.Finish();
+    *t.taxaCount = 0;
+    if (reference ? s.FossilImportOpen : s.ReferenceImportOpen)
+      s.ReferenceIsBase = s.FossilIsBase = false;
+    if (reference) dialogs.Message(kFormatErrorMessage, "Error");
+    (reference ? s.ReferenceImportOpen : s.FossilImportOpen) = true;
+    result.IsBase = false;
+    result.Projected = false;
+    return result;
+  }
+  // Closing steps.
+  (reference ? s.ReferenceImportOpen : s.FossilImportOpen) = false;
+  if (!reference) {
+    long quarter = static_cast<long>(Int(0.25 * s.FossilSampleCount));
+    s.DiagramGapA = 10 - quarter;
+    s.DiagramGapB = 2 * quarter + 10 * (static_cast<long>(s.FossilSampleCount) - 1);
+  }
+  if (result.IsBase) (reference ? s.FossilImportOpen : s.ReferenceImportOpen) = true;
+  result.Ok = true;
+  return result;
+}
+
+ImportResult ImportReference(Session& s, const std::optional<std::string>& path,
+                             Dialogs& dialogs, Progress& progress) {
+  return Import(s, true, path, dialogs, progress);
+}
+
+ImportResult ImportFossil(Session& s, const std::optional<std::string>& path, Dialogs& dialogs,
+                          Progress& progress) {
+  return Import(s, false, path, dialogs, progress);
+}
+
+}  // namespace varnoth

@@ -1,0 +1,84 @@
+#pragma once
+// The shared state of one session: the two data sets, the EOF results, the
+// envelope and display state and the stage flags. One object, one owner;
+// every window and routine reads it, and each result array is written only
+// by the operation that fills it.
+#include <cstdint>
+#include <string>
+
+#include "eof/PreTreatmentSettings.h"
+#include "state/Array.h"
+#include "state/Numeric.h"
+
+namespace varnoth {
+
+using Flag = std::uint8_t;  // a per-row mark, 0 or 1
+
+struct RotationPair {
+  double A1 = 0;  // turn
+  double A2 = 0;  // tilt
+};
+
+struct Session {
+  Session();
+
+  // Data sets.
+  std::string RefFileName, FossilFileName;
+  Count RefSiteCount = 0, FossilSampleCount = 0;
+  Count RefTaxaCount = 0, FossilTaxaCount = 0;
+  Count TaxaCount = 0;
+  Count BaseRowCount = 0;
+  Count EigenOrder = 1000;
+  Array1<std::string> RefSiteNames, FossilLabels;
+  Array1<std::string> RefTaxaNames, FossilTaxaNames;
+  bool RefLabelsAreText = false, FossilLabelsAreText = false;
+  Array2<double> RefData, FossilData;
+  Array2<double> RefProportion, FossilProportion;
+  Array1<Flag> FossilEmptySample;
+  Array1<std::string> TaxaMismatch;
+
+  // EOF results.
+  bool UseCorrelation = true;
+  bool EnhanceUsed = false;
+  Array2<double> EofMatrix;
+  Array2<double> EigenWork;
+  Array2<double> EigenVectors;
+  Array1<float> Contribution, CumContribution;
+  Array2<double> Loadings;
+  Array2<double> ColumnMean, ColumnStd;
+  Array2<double> StatWork;
+  Array2<double> RefScoreRaw, RefScores;
+  Array2<double> FossilStandardised, FossilScoreRaw, FossilScores;
+  double AnalysisTime = 0;
+
+  // Envelope and display state.
+  Array1<Count> EnvelopeAxes, DisplayAxes;
+  Count EnvelopeAxisCount = 2;
+  Count VisibleAxisCount = 2;
+  bool MoreAxis = false;
+  float EnvelopeTolerance = 0.1f;
+  std::int32_t EnvelopeDirectionCount = 3000;
+  Array2<double> EnvelopeDirections;
+  Array1<Flag> SiteIsExtreme, SampleIsOut;
+  Count TaxonCursor = 1, SiteCursor = 1, SampleCursor = 1;
+  double ScatterZoom = 4;
+  RotationPair RotationAngles;
+  float RotationStep = 0.01f;
+
+  // Session flags.
+  bool ReferenceIsBase = false, FossilIsBase = false;
+  bool EofDone = false, ProjectionDone = false, EnvelopeDone = false;
+  bool DiagramOpen = false, ReconstructionOpen = false;
+
+  // Whether each import may still run: a successful import closes its own
+  // for good; the end of the base analysis and a failure open one again.
+  bool ReferenceImportOpen = true, FossilImportOpen = true;
+
+  // The pre-treatment confirmed in the dialog; the second import applies it.
+  PreTreatmentSettings PreTreatment;
+
+  // Vertical spacing of the diagram, set by the fossil import.
+  long DiagramGapA = 0, DiagramGapB = 0;
+};
+
+}  // namespace varnoth
