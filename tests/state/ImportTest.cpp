@@ -1,0 +1,304 @@
+#include <gtest/gtest.h>
+
+#include "eof/PreTreatment.h"
+#include "state/Import.h"
+#include "support/Tables.h"
+#include "support/TestSupport.h"
+
+using namespace varnoth;
+using namespace varnoth::test;
+
+namespace {
+
+struct ImportFixture : ::testing::Test {
+  TempDir dir;
+  FakeDialogs dialogs;
+  NoProgress progress;
+  Session s;
+
+  ImportResult Ref(const std::string& content) {
+    return ImportReference(s, dir.Write("ref.csv", content), dialogs, progress);
+  }
+  ImportResult Fossil(const std::string& content) {
+    return ImportFossil(s, dir.Write("fossil.csv", content), dialogs, progress);
+  }
+  void Analyse(PreTreatmentSettings p = {}) { ApplyPreTreatment(s, p, progress); }
+};
+
+}  // namespace
+
+TEST_F(ImportFixture, ReferenceWithTextLabels) {
+  auto r = Ref(MakeTable(4, 5, true, Varied));
+  ASSERT_TRUE(r.Ok);
+  EXPECT_TRUE(r.IsBase);
+  EXPECT_TRUE(s.ReferenceIsBase);
+  EXPECT_FALSE(s.FossilIsBase);
+  EXPECT_EQ(s.RefTaxaCount, 4);
+  EXPECT_EQ(s.TaxaCount, 4);
+  EXPECT_EQ(s.EigenOrder, 4);
+  EXPECT_EQ(s.RefSiteCount, 5);
+  EXPECT_EQ(s.BaseRowCount, 5);
+  EXPECT_TRUE(s.RefLabelsAreText);
+  EXPECT_EQ(s.RefTaxaNames(0), "Site");
+  EXPECT_EQ(s.RefTaxaNames(4), "T4");
+  EXPECT_EQ(s.RefSiteNames(5), "S5");
+  EXPECT_EQ(s.RefSiteNames.Upper(), 5);
+  for (int i = 1; i <= 5; ++i)
+    for (int j = 1; j <= 4; ++j) EXPECT_EQ(s.RefData(i, j), Varied(i, j));
+  EXPECT_EQ(s.RefFileName, dir.Path("ref.csv"));
+  EXPECT_EQ(s.SiteIsExtreme.Upper(), 5);
+  EXPECT_EQ(s.RefScores.Upper0(), 5);
+  EXPECT_EQ(s.RefScores.Upper1(), 4);
+  EXPECT_EQ(s.EnvelopeAxes.Upper(), 4);
+  EXPECT_EQ(s.EnvelopeAxes(3), 3);
+  EXPECT_FALSE(s.ReferenceImportOpen);
+  EXPECT_TRUE(s.FossilImportOpen);
+  EXPECT_TRUE(dialogs.Messages.empty());
+}
+
+TEST_F(ImportFixture, NumberLabelsAreNormalisedExceptOnRowOne) {
+  std::string t = "Depth,A,B,C\n5,1,2,3\n010,4,5,6\n020.0,7,8,9\n";
+  ASSERT_TRUE(Fossil(t).Ok);
+  EXPECT_FALSE(s.FossilLabelsAreText);
+  EXPECT_EQ(s.FossilTaxaCount, 3);
+  EXPECT_EQ(s.FossilSampleCount, 3);
+  EXPECT_EQ(s.FossilLabels(1), "5");
+  EXPECT_EQ(s.FossilLabels(2), "10");
+  EXPECT_EQ(s.FossilLabels(3), "20");
+  EXPECT_EQ(s.FossilData(3, 3), 9);
+}
+
+TEST_F(ImportFixture, TextSiteLabelsThatAreNumbersAreNormalised) {
+  // Text labels are told by the second row's label, so numbers below stay
+  // numbers only when the kind is numeric.
+  std::string t = "Site,A,B,C\nX,1,2,3\nY,4,5,6\n";
+  ASSERT_TRUE(Ref(t).Ok);
+  EXPECT_TRUE(s.RefLabelsAreText);
+  EXPECT_EQ(s.RefSiteNames(2), "Y");
+}
+
+TEST_F(ImportFixture, TrailingZeroInFirstValueShiftsTheTable) {
+  // 0.50 is not a number cell: the scan passes it and stops at the next one;
+  // the cell read as the second row's label is then a value, so the labels
+  // count as numbers and N comes out 5 instead of 3. No error is certain.
+  std::string t = "Site,A,B,C\nX,0.50,2,3\nY,4,5,6\nZ,7,8,9\n";
+  Ref(t);
+  EXPECT_EQ(s.TaxaCount, 5);
+  EXPECT_FALSE(s.RefLabelsAreText);
+}
+
+TEST_F(ImportFixture, NumericTaxonNameEndsTheHeaderEarly) {
+  std::string t = "Site,A,1,C\nX,1,2,3\nY,4,5,6\nZ,7,8,9\n";
+  Ref(t);
+  // The scan stops at "1": k = 3 cells.
+  EXPECT_LT(s.TaxaCount, 3);
+}
+
+TEST_F(ImportFixture, HeaderCapacityWithTextLabels) {
+  ASSERT_TRUE(Ref(MakeTable(499, 3, true, Varied)).Ok);
+  EXPECT_EQ(s.RefTaxaCount, 499);
+  Session other;
+  FakeDialogs d2;
+  auto r = ImportReference(other, dir.Write("r500.csv", MakeTable(500, 3, true, Varied)), d2,
+                           progress);
+  EXPECT_FALSE(r.Ok);
+  EXPECT_EQ(other.RefTaxaCount, 0);
+  ASSERT_EQ(d2.Messages.size(), 1u);
+  EXPECT_EQ(d2.Messages[0], kFormatErrorMessage);
+}
+
+TEST_F(ImportFixture, HeaderCapacityWithNumberLabels) {
+  ASSERT_TRUE(Fossil(MakeTable(500, 3, false, Varied)).Ok);
+  EXPECT_EQ(s.FossilTaxaCount, 500);
+  Session other;
+  FakeDialogs d2;
+  auto r = ImportFossil(other, dir.Write("f501.csv", MakeTable(501, 3, false, Varied)), d2,
+                        progress);
+  EXPECT_FALSE(r.Ok);
+  EXPECT_EQ(other.FossilTaxaCount, 0);
+  EXPECT_TRUE(d2.Messages.empty());  // the fossil import shows no format message
+}
+
+TEST_F(ImportFixture, RowCapacity) {
+  ASSERT_TRUE(Ref(MakeTable(3, 9999, true, Varied)).Ok);
+  EXPECT_EQ(s.RefSiteCount, 9999);
+  Session other;
+  FakeDialogs d2;
+  auto r = ImportReference(other, dir.Write("big.csv", MakeTable(3, 10000, true, Varied)), d2,
+                           progress);
+  EXPECT_FALSE(r.Ok);
+  EXPECT_EQ(other.RefTaxaCount, 0);
+  EXPECT_EQ(other.RefSiteCount, 9999);  // the row count reached stays
+  EXPECT_TRUE(other.ReferenceImportOpen);
+  EXPECT_FALSE(other.ReferenceIsBase);
+}
+
+TEST_F(ImportFixture, EmptyValueInRowTwoReadsAsZero) {
+  std::string t = "Site,A,B,C\nX,1,2,3\nY,4,,6\nZ,7,8,9\n";
+  ASSERT_TRUE(Ref(t).Ok);
+  EXPECT_EQ(s.RefData(2, 2), 0);
+}
+
+TEST_F(ImportFixture, EmptyValueInRowOneFailsTheStrictParse) {
+  std::string t = "Site,A,B,C\nX,1,,3\nY,4,5,6\nZ,7,8,9\n";
+  auto r = Ref(t);
+  EXPECT_FALSE(r.Ok);
+  EXPECT_EQ(dialogs.Messages, std::vector<std::string>{kFormatErrorMessage});
+}
+
+TEST_F(ImportFixture, EmptyValueInRowThreeIsABlankCell) {
+  std::string t = "Site,A,B,C\nX,1,2,3\nY,4,5,6\nZ,7,,9\nW,1,1,1\n";
+  auto r = Ref(t);
+  EXPECT_FALSE(r.Ok);
+  // The reference import shows two messages, the fossil import one.
+  EXPECT_EQ(dialogs.Messages,
+            (std::vector<std::string>{"Blanc cell detected.", kFormatErrorMessage}));
+  EXPECT_EQ(dialogs.Titles[0], "Error");
+  EXPECT_EQ(s.RefTaxaCount, 0);
+  EXPECT_EQ(s.RefSiteCount, 3);
+  Session other;
+  FakeDialogs d2;
+  ImportFossil(other, dir.Write("f.csv", "Depth,A,B,C\n0,1,2,3\n10,4,5,6\n20,7,,9\n"), d2, progress);
+  EXPECT_EQ(d2.Messages, std::vector<std::string>{"Blanc cell detected."});
+  EXPECT_EQ(other.FossilTaxaCount, 0);
+}
+
+TEST_F(ImportFixture, CancelTakesTheFailurePath) {
+  auto r = ImportReference(s, std::nullopt, dialogs, progress);
+  EXPECT_FALSE(r.Ok);
+  EXPECT_EQ(dialogs.Messages, std::vector<std::string>{kFormatErrorMessage});
+  EXPECT_FALSE(s.ReferenceIsBase);
+  EXPECT_TRUE(s.ReferenceImportOpen);
+  auto f = ImportFossil(s, std::nullopt, dialogs, progress);
+  EXPECT_FALSE(f.Ok);
+  EXPECT_EQ(dialogs.Messages.size(), 1u);
+}
+
+TEST_F(ImportFixture, EmptyAndMissingFiles) {
+  EXPECT_FALSE(Ref("").Ok);
+  EXPECT_FALSE(ImportReference(s, dir.Path("none.csv"), dialogs, progress).Ok);
+  EXPECT_FALSE(Ref("Site,A,B\n").Ok);
+  EXPECT_EQ(s.RefTaxaCount, 0);
+}
+
+TEST_F(ImportFixture, AllEmptyFossilSamplesFail) {
+  auto r = Fossil(MakeTable(3, 4, false, [](int, int) { return 0.0; }));
+  EXPECT_FALSE(r.Ok);
+  EXPECT_EQ(s.FossilTaxaCount, 0);
+  EXPECT_EQ(s.FossilSampleCount, 4);
+}
+
+TEST_F(ImportFixture, EmptySamplesAreMarkedAndSkippedByTheCursor) {
+  auto r = Fossil(MakeTable(3, 4, false, [](int i, int j) { return i <= 2 ? 0.0 : i + j; }));
+  ASSERT_TRUE(r.Ok);
+  EXPECT_TRUE(s.FossilEmptySample(1));
+  EXPECT_TRUE(s.FossilEmptySample(2));
+  EXPECT_FALSE(s.FossilEmptySample(3));
+  EXPECT_EQ(s.SampleCursor, 3);
+  EXPECT_EQ(s.DiagramGapA, 9);
+  EXPECT_EQ(s.DiagramGapB, 2 + 30);
+}
+
+TEST_F(ImportFixture, BothOrdersAndTheNameQuestion) {
+  ASSERT_TRUE(Ref(MakeTable(3, 5, true, Varied)).Ok);
+  Analyse();
+  ASSERT_TRUE(s.EofDone);
+  EXPECT_FALSE(s.ReferenceImportOpen);
+  EXPECT_TRUE(s.FossilImportOpen);
+  std::string fossil = "Depth,T1,X2,Y3\n0,1,2,3\n10,4,5,6\n20,7,8,9\n";
+  dialogs.QuestionAnswers = {true, true};
+  auto r = Fossil(fossil);
+  ASSERT_TRUE(r.Ok);
+  EXPECT_TRUE(r.Projected);
+  EXPECT_EQ(dialogs.Questions,
+            (std::vector<std::string>{"Name inconsistent.  [X2] = [T2]?",
+                                      "Name inconsistent.  [Y3] = [T3]?"}));
+  EXPECT_EQ(s.TaxaMismatch(0), "2");
+  EXPECT_EQ(s.TaxaMismatch(1), "[X2]/[T2]");
+  EXPECT_EQ(s.TaxaMismatch(2), "[Y3]/[T3]");
+  EXPECT_TRUE(s.ProjectionDone);
+  EXPECT_FALSE(s.FossilImportOpen);
+}
+
+TEST_F(ImportFixture, RefusedNameFailsAndKeepsTheBase) {
+  ASSERT_TRUE(Ref(MakeTable(3, 5, true, Varied)).Ok);
+  Analyse();
+  dialogs.QuestionAnswers = {false};
+  auto r = Fossil("Depth,T1,X2,T3\n0,1,2,3\n10,4,5,6\n20,7,8,9\n");
+  EXPECT_FALSE(r.Ok);
+  EXPECT_EQ(s.FossilTaxaCount, 0);
+  EXPECT_TRUE(s.ReferenceIsBase);  // the other button was off: flags stay
+  EXPECT_TRUE(s.FossilImportOpen);
+  EXPECT_TRUE(dialogs.Messages.empty());
+}
+
+TEST_F(ImportFixture, DifferentTaxaCountsAreInconsistent) {
+  ASSERT_TRUE(Ref(MakeTable(3, 5, true, Varied)).Ok);
+  Analyse();
+  auto r = Fossil(MakeTable(4, 3, false, Varied));
+  EXPECT_FALSE(r.Ok);
+  EXPECT_EQ(dialogs.Messages, std::vector<std::string>{"Parameter number inconsistent."});
+  EXPECT_EQ(s.FossilTaxaCount, 0);
+  EXPECT_EQ(s.TaxaCount, 4);  // the column count of the latest import, as read
+}
+
+TEST_F(ImportFixture, ReferenceAfterAFossilBaseRunsOffTheArray) {
+  ASSERT_TRUE(Fossil(MakeTable(3, 6, false, Varied)).Ok);
+  EXPECT_TRUE(s.FossilIsBase);
+  Analyse();  // covariance: the fossil table alone can be analysed
+  ASSERT_TRUE(s.EofDone);
+  EXPECT_TRUE(s.ReferenceImportOpen);
+  auto r = Ref(MakeTable(3, 5, true, Varied));
+  EXPECT_FALSE(r.Ok);
+  EXPECT_EQ(dialogs.Messages, std::vector<std::string>{kFormatErrorMessage});
+  EXPECT_EQ(s.RefTaxaCount, 0);
+  EXPECT_TRUE(s.FossilIsBase);
+}
+
+TEST_F(ImportFixture, FossilBaseWithCorrelationStopsTheAnalysis) {
+  ASSERT_TRUE(Fossil(MakeTable(3, 6, false, Varied)).Ok);
+  PreTreatmentSettings p;
+  p.Correlation = true;
+  EXPECT_THROW(Analyse(p), RuntimeFailure);
+  EXPECT_FALSE(s.EofDone);
+}
+
+TEST_F(ImportFixture, FailedFirstImportClearsTheBaseFlag) {
+  EXPECT_FALSE(Ref("Site,A,B,C\nX,1,,3\nY,4,5,6\n").Ok);
+  EXPECT_FALSE(s.ReferenceIsBase);
+  ASSERT_TRUE(Fossil(MakeTable(3, 4, false, Varied)).Ok);
+  EXPECT_TRUE(s.FossilIsBase);
+}
+
+TEST_F(ImportFixture, RowSplitOverLinesReadsTheSame) {
+  ASSERT_TRUE(Ref("Site,A,B,C\nX,1,2,3\nY,4\n5,6\nZ,7,8,9").Ok);
+  EXPECT_EQ(s.RefSiteCount, 3);
+  EXPECT_EQ(s.RefData(2, 3), 6);
+  EXPECT_EQ(s.RefData(3, 3), 9);
+}
+
+TEST_F(ImportFixture, TruncatedLastRowFails) {
+  EXPECT_FALSE(Ref("Site,A,B,C\nX,1,2,3\nY,4,5,6\nZ,7,8").Ok);
+  EXPECT_EQ(s.RefTaxaCount, 0);
+}
+
+TEST_F(ImportFixture, TableWrittenByTheNumberPrinterReadsBackIdentically) {
+  std::string t = MakeTable(6, 20, true, [](int i, int j) { return (i * 31 + j * 17) % 23 / 7.0; });
+  ASSERT_TRUE(Ref(t).Ok);
+  for (int i = 1; i <= 20; ++i)
+    for (int j = 1; j <= 6; ++j)
+      EXPECT_EQ(FormatGeneral(s.RefData(i, j)), FormatGeneral((i * 31 + j * 17) % 23 / 7.0));
+}
+
+TEST_F(ImportFixture, ExampleDataSetReads) {
+  ASSERT_TRUE(ImportReference(s, Example("reference.csv"), dialogs, progress).Ok);
+  EXPECT_EQ(s.RefSiteCount, 61);
+  EXPECT_EQ(s.RefTaxaCount, 22);
+  EXPECT_EQ(s.RefSiteNames(1), "V14-61");
+  Analyse();
+  ASSERT_TRUE(ImportFossil(s, Example("fossil.csv"), dialogs, progress).Ok);
+  EXPECT_EQ(s.FossilSampleCount, 110);
+  EXPECT_EQ(s.FossilLabels(2), "10");
+  EXPECT_TRUE(s.ProjectionDone);
+  EXPECT_TRUE(dialogs.Questions.empty());
+}
