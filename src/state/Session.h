@@ -79,6 +79,18 @@ struct Session {
 
   // Vertical spacing of the diagram, set by the fossil import.
   long DiagramGapA = 0, DiagramGapB = 0;
+
+  // Envelope test and CONISS (src/envelope, src/diagram).
+  // The state of the program's uniform generator (envelope/Uniform.h). It is
+  // never seeded: every session starts here, so its first envelope is always
+  // drawn alike, and later runs go on from where the last one stopped.
+  std::uint64_t UniformState = 0x2545F4914F6CDD1DULL;
+  // CONISS work rows and its result, one entry per join s = 1..N - 1; the
+  // result stays for later redraws of the tree.
+  Array2<float> ConissData;
+  Array1<float> ConissPos;
+  Array1<double> ConissDist, ConissSum;
+  Array1<float> ConissLeft, ConissRight, ConissHeight;
 };
 
 }  // namespace varnoth
