@@ -91,6 +91,36 @@ struct Session {
   Array1<float> ConissPos;
   Array1<double> ConissDist, ConissSum;
   Array1<float> ConissLeft, ConissRight, ConissHeight;
+
+  // Climate data and the analogue reconstruction (src/reconstruction).
+  // Climate at the reference sites, from a climate file or the interpolation
+  // tool; every user tests ClimateLoaded first.
+  bool ClimateLoaded = false;
+  std::string ClimateFileName;
+  Count ClimateParamCount = 0;
+  Array1<std::string> ClimateParamNames;  // index 0: the corner cell
+  Array1<std::string> ClimateSiteNames;
+  bool ClimateSiteNamesAreText = false;
+  Array2<double> ClimateData;               // (site, parameter), -9999 missing
+  Array1<std::string> ClimateNameMismatch;  // [0] the count, then "[climate]/[reference]"
+  // Results of the analogue search, rebuilt by each run.
+  Array2<double> ReconValue;  // (sample, parameter); column 0 the analogues used
+  Array2<double> ReconLow, ReconHigh;
+  Array1<Count> AnalogueCount;
+  Array2<Count> AnalogueSite;      // (sample, rank 0..20)
+  Array2<float> AnalogueDistance;  // (sample, rank 0..MaxAnalogues)
+  Array1<float> ReconMin, ReconMax;
+  Count LastAnalogueCount = 0;
+  // Leave-one-out estimates at the reference sites: the error model.
+  Array2<double> ReconRefValue;  // (site, parameter); column 0 the analogues used
+  bool ErrorModelReady = false;
+  // The parameter shown and its moving average.
+  Count CurrentParameter = 0;
+  Array1<float> SmoothedPosition, SmoothedValue;
+  // Estimated-observed pairs read from a file.
+  bool EstObsImported = false;
+  Count EstObsCount = 0;
+  Array1<float> EstObsEstimated, EstObsObserved;
 };
 
 }  // namespace varnoth
