@@ -1,0 +1,168 @@
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "eof/PreTreatment.h"
+#include "state/Format.h"
+#include "state/Import.h"
+#include "state/ScoreFiles.h"
+#include "support/Tables.h"
+#include "support/TestSupport.h"
+
+using namespace varnoth;
+using namespace varnoth::test;
+
+namespace {
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> out;
+  std::size_t start = 0;
+  for (;;) {
+    std::size_t end = text.find("\r\n", start);
+    if (end == std::string::npos) {
+      if (start < text.size()) out.push_back(text.substr(start));
+      return out;
+    }
+    out.push_back(text.substr(start, end - start));
+    start = end + 2;
+  }
+}
+
+struct ScoreFiles : ::testing::Test {
+  TempDir dir;
+  FakeDialogs dialogs;
+  NoProgress progress;
+  Session s;
+  FileStamp stamp{"2026-01-02", "03:04:05"};
+
+  void Road(const std::string& fossilHeader, std::deque<bool> answers) {
+    ASSERT_TRUE(ImportReference(s, dir.Write("ref.csv", MakeTable(3, 5, true, Varied)), dialogs,
+                                progress)
+                    .Ok);
+    ApplyPreTreatment(s, PreTreatmentSettings{}, progress);
+    dialogs.QuestionAnswers = std::move(answers);
+    std::string fossil = fossilHeader + "\n0,1,2,3\n10,4,5,6\n20,7,8,9\n";
+    ASSERT_TRUE(ImportFossil(s, dir.Write("fossil.csv", fossil), dialogs, progress).Ok);
+  }
+  std::vector<std::string> Fossil() {
+    fSaveScore(s, dir.Path("f.csv"), stamp, progress);
+    return Lines(ReadFile(dir.Path("f.csv")));
+  }
+};
+
+}  // namespace
+
+TEST_F(ScoreFiles, LoadingFile) {
+  Road("Depth,T1,T2,T3", {});
+  SaveLoading(s, dir.Path("l.csv"), stamp, progress);
+  auto lines = Lines(ReadFile(dir.Path("l.csv")));
+  ASSERT_EQ(lines.size(), 10u);
+  EXPECT_EQ(lines[0], "\"Varnoth 1.0 output file (component loading)\"");
+  EXPECT_EQ(lines[1], "\"Date/Time: \",\"2026-01-02 (03:04:05)\"");
+  EXPECT_EQ(lines[2], "\"Reference data file: \",\"" + dir.Path("ref.csv") + "\"");
+  EXPECT_EQ(lines[3], "\"No. of reference taxa: \",3");
+  EXPECT_EQ(lines[4], "\"No. of reference sites: \",5");
+  EXPECT_EQ(lines[5], "\"EOF No.:\",1,2,3");
+  EXPECT_EQ(lines[6], "\"Contribution:\"," + FormatSingle(s.Contribution(1)) + "," +
+                          FormatSingle(s.Contribution(2)) + "," + FormatSingle(s.Contribution(3)));
+  EXPECT_EQ(lines[9], "\"T3\"," + FormatGeneral(s.Loadings(3, 1)) + "," +
+                          FormatGeneral(s.Loadings(3, 2)) + "," + FormatGeneral(s.Loadings(3, 3)));
+  EXPECT_EQ(ReadFile(dir.Path("l.csv")).substr(ReadFile(dir.Path("l.csv")).size() - 2), "\r\n");
+}
+
+TEST_F(ScoreFiles, ReferenceScoreFile) {
+  Road("Depth,T1,T2,T3", {});
+  sSaveScore(s, dir.Path("s.csv"), stamp, progress);
+  auto lines = Lines(ReadFile(dir.Path("s.csv")));
+  ASSERT_EQ(lines.size(), 15u);
+  EXPECT_EQ(lines[0], "\"Varnoth 1.0 output file (component score for reference dataset)\"");
+  EXPECT_EQ(lines[3], "\"Data pre-treatment: \",\"Proportion\"");
+  EXPECT_EQ(lines[4], "\"Enhancing minor taxa: \",\"N/A\"");
+  EXPECT_EQ(lines[5], "\"Type of matrix: \",\"Variance/Covariance\"");
+  EXPECT_EQ(lines[6], "\"No. of reference taxa: \",3");
+  EXPECT_EQ(lines[7], "\"No. of reference sites: \",5");
+  EXPECT_EQ(lines[8], "\"EOF No.:\",1,2,3");
+  EXPECT_EQ(lines[10], "\"S1\"," + FormatGeneral(s.RefScores(1, 1)) + "," +
+                           FormatGeneral(s.RefScores(1, 2)) + "," + FormatGeneral(s.RefScores(1, 3)));
+}
+
+TEST_F(ScoreFiles, FossilFileBeforeTheEnvelope) {
+  Road("Depth,T1,T2,T3", {});
+  s.EnvelopeTolerance = 0.7f;  // what Slider1 last gave
+  auto lines = Fossil();
+  ASSERT_EQ(lines.size(), 18u);
+  EXPECT_EQ(lines[0], "\"Varnoth 1.0 output file (component score for fossil dataset)\"");
+  EXPECT_EQ(lines[3], "\"Fossil data file: \",\"" + dir.Path("fossil.csv") + "\"");
+  EXPECT_EQ(lines[9], "\"No. of fossil taxa: \",3");
+  EXPECT_EQ(lines[10], "\"No. of fossil samples: \",3");
+  // No accepted pair: line 12 stays open and line 13 follows on it.
+  EXPECT_EQ(lines[11], "\"Taxa name inconsistency: \",\"Tightness of envelope: \",0.7");
+  EXPECT_EQ(lines[12], "\"\",\"EOF No.:\",1,2,3");
+  EXPECT_EQ(lines[13].rfind("\"\",\"Contribution:\",", 0), 0u);
+  EXPECT_EQ(lines[14], "\"Depth\",\"Envelope\",\"Yes\",\"Yes\",\"No\"");
+  for (int i = 15; i < 18; ++i) EXPECT_NE(lines[i].find(",\"?\","), std::string::npos) << i;
+  EXPECT_EQ(lines[15].rfind("\"0\",\"?\"," + FormatGeneral(s.FossilScores(1, 1)), 0), 0u);
+}
+
+TEST_F(ScoreFiles, OneAcceptedPairIsLeftOut) {
+  Road("Depth,T1,X2,T3", {true});
+  EXPECT_EQ(s.TaxaMismatch(0), "1");
+  auto lines = Fossil();
+  EXPECT_EQ(lines[11], "\"Taxa name inconsistency: \",\"Tightness of envelope: \",0.1");
+  EXPECT_EQ(lines.size(), 18u);
+}
+
+TEST_F(ScoreFiles, TwoAcceptedPairsAreWritten) {
+  Road("Depth,Y1,X2,T3", {true, true});
+  auto lines = Fossil();
+  EXPECT_EQ(lines[11], "\"Taxa name inconsistency: \",\"[Y1]/[T1]\",\"[X2]/[T2]\"");
+  EXPECT_EQ(lines[12], "\"Tightness of envelope: \",0.1");
+  EXPECT_EQ(lines.size(), 19u);
+}
+
+TEST_F(ScoreFiles, StatesAfterTheEnvelopeAndAfterAReset) {
+  Road("Depth,T1,T2,T3", {});
+  s.EnvelopeDone = true;
+  s.SampleIsOut(2) = 1;
+  auto lines = Fossil();
+  EXPECT_NE(lines[15].find(",\"In\","), std::string::npos);
+  EXPECT_NE(lines[16].find(",\"Out\","), std::string::npos);
+  // A reset clears the marks: every state reads "In".
+  s.SampleIsOut.Fill(0);
+  lines = Fossil();
+  for (int i = 15; i < 18; ++i) EXPECT_NE(lines[i].find(",\"In\","), std::string::npos);
+}
+
+TEST_F(ScoreFiles, EnvelopeAxesMarkTheColumns) {
+  Road("Depth,T1,T2,T3", {});
+  s.EnvelopeAxisCount = 3;
+  s.EnvelopeAxes(1) = 3;
+  s.EnvelopeAxes(2) = 1;
+  s.EnvelopeAxes(3) = 1;
+  auto lines = Fossil();
+  EXPECT_EQ(lines[14], "\"Depth\",\"Envelope\",\"Yes\",\"No\",\"Yes\"");
+}
+
+TEST_F(ScoreFiles, FossilBaseWritesNotApplicable) {
+  ASSERT_TRUE(ImportFossil(s, dir.Write("f.csv", MakeTable(3, 5, false, Varied)), dialogs, progress).Ok);
+  PreTreatmentSettings p;
+  p.Enhance = true;
+  p.SquareRoot = false;
+  p.ConvertToPercent = false;
+  ApplyPreTreatment(s, p, progress);
+  auto lines = Fossil();
+  EXPECT_EQ(lines[4], "\"Data pre-treatment: \",\"Raw data\"");
+  EXPECT_EQ(lines[5], "\"Enhancing minor taxa: \",\"Log\"");
+  EXPECT_EQ(lines[7], "\"No. of reference taxa: \",\"N/A\"");
+  EXPECT_EQ(lines[8], "\"No. of reference sites: \",\"N/A\"");
+  EXPECT_EQ(lines[11], "\"Taxa name inconsistency: \",\"N/A\"");
+  SaveLoading(s, dir.Path("l.csv"), stamp, progress);
+  auto loading = Lines(ReadFile(dir.Path("l.csv")));
+  EXPECT_EQ(loading[3], "\"No. of fossil taxa: \",3");
+  EXPECT_EQ(loading[4], "\"No. of depth: \",5");
+}
+
+TEST_F(ScoreFiles, UnwritableFileIsAFailure) {
+  Road("Depth,T1,T2,T3", {});
+  EXPECT_THROW(SaveLoading(s, dir.Path("no/such/dir.csv"), stamp, progress), RuntimeFailure);
+}
