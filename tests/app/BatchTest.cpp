@@ -1,0 +1,178 @@
+// The batch runner as a program: one folder per case under tests/data/batch
+// with `args` (one argument a line; {examples}, {data} and {out} are filled
+// in), `exit` (expected code, 0 when missing), `stderr` (the exact error
+// output) or `stderr-begins` (its first line), and `expected/` (the files
+// the run must write, byte for byte, and no others).
+// VARNOTH_REGENERATE=1 rewrites `expected/` from the current program.
+#include <gtest/gtest.h>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "eof/PreTreatment.h"
+#include "state/Import.h"
+#include "state/ScoreFiles.h"
+#include "support/TestSupport.h"
+
+extern char** environ;
+
+namespace fs = std::filesystem;
+using namespace varnoth;
+using namespace varnoth::test;
+
+namespace {
+
+std::string Replace(std::string s, const std::string& from, const std::string& to) {
+  for (std::size_t at = s.find(from); at != std::string::npos; at = s.find(from, at + to.size()))
+    s.replace(at, from.size(), to);
+  return s;
+}
+
+struct RunResult {
+  int exitCode = -1;
+  std::string out, err;
+};
+
+RunResult RunBatch(const std::vector<std::string>& args, const std::string& workDir) {
+  std::string outPath = workDir + "/.stdout", errPath = workDir + "/.stderr";
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  posix_spawn_file_actions_addchdir_np(&actions, workDir.c_str());
+  std::vector<std::string> all = {VARNOTH_BATCH};
+  all.insert(all.end(), args.begin(), args.end());
+  std::vector<char*> argv;
+  for (auto& a : all) argv.push_back(a.data());
+  argv.push_back(nullptr);
+  pid_t pid;
+  RunResult r;
+  if (posix_spawn(&pid, VARNOTH_BATCH, &actions, nullptr, argv.data(), environ) == 0) {
+    int status = 0;
+    waitpid(pid, &status, 0);
+    r.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+  posix_spawn_file_actions_destroy(&actions);
+  r.out = ReadFile(outPath);
+  r.err = ReadFile(errPath);
+  fs::remove(outPath);
+  fs::remove(errPath);
+  return r;
+}
+
+std::vector<std::string> Cases() {
+  std::vector<std::string> names;
+  for (auto& e : fs::directory_iterator(TestData("batch")))
+    if (e.is_directory()) names.push_back(e.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+class BatchCase : public ::testing::TestWithParam<std::string> {};
+
+}  // namespace
+
+TEST_P(BatchCase, WritesTheExpectedFiles) {
+  const std::string caseDir = TestData("batch/" + GetParam());
+  TempDir work;
+  const std::string out = work.Path("out");
+  std::vector<std::string> args;
+  std::istringstream lines(ReadFile(caseDir + "/args"));
+  for (std::string line; std::getline(lines, line);) {
+    line = Replace(line, "{examples}", VARNOTH_EXAMPLES);
+    line = Replace(line, "{data}", caseDir);
+    args.push_back(Replace(line, "{out}", out));
+  }
+  RunResult r = RunBatch(args, work.Path(""));
+  int expectedExit = fs::exists(caseDir + "/exit") ? std::stoi(ReadFile(caseDir + "/exit")) : 0;
+  EXPECT_EQ(r.exitCode, expectedExit) << r.err;
+  if (fs::exists(caseDir + "/stderr")) {
+    EXPECT_EQ(r.err, ReadFile(caseDir + "/stderr"));
+  }
+  if (fs::exists(caseDir + "/stderr-begins")) {
+    std::string first = ReadFile(caseDir + "/stderr-begins");
+    EXPECT_EQ(r.err.substr(0, first.size()), first);
+    EXPECT_NE(r.err.find("usage: varnoth-batch"), std::string::npos);
+  }
+  if (expectedExit != 0) {
+    EXPECT_FALSE(r.err.empty());
+    return;
+  }
+  EXPECT_TRUE(r.err.empty()) << r.err;
+  const std::string expected = caseDir + "/expected";
+  if (std::getenv("VARNOTH_REGENERATE")) {
+    fs::remove_all(expected);
+    fs::create_directories(expected);
+    for (auto& e : fs::directory_iterator(out)) {
+      std::string text = Replace(Replace(ReadFile(e.path().string()), VARNOTH_EXAMPLES, "{examples}"),
+                                 caseDir, "{data}");
+      std::ofstream(expected + "/" + e.path().filename().string(), std::ios::binary) << text;
+    }
+    return;
+  }
+  std::set<std::string> written, wanted;
+  for (auto& e : fs::directory_iterator(out)) written.insert(e.path().filename().string());
+  for (auto& e : fs::directory_iterator(expected)) wanted.insert(e.path().filename().string());
+  EXPECT_EQ(written, wanted);
+  for (const std::string& name : wanted) {
+    std::string want = Replace(Replace(ReadFile(expected + "/" + name), "{examples}", VARNOTH_EXAMPLES),
+                               "{data}", caseDir);
+    EXPECT_EQ(ReadFile(out + "/" + name), want) << name;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, BatchCase, ::testing::ValuesIn(Cases()),
+                         [](const auto& info) {
+                           std::string n = info.param;
+                           for (char& c : n)
+                             if (!isalnum(static_cast<unsigned char>(c))) c = '_';
+                           return n;
+                         });
+
+// The files are byte for byte what the program's own save operations write
+// after the same road.
+TEST(Batch, FilesEqualTheEngineWriters) {
+  TempDir work;
+  const std::string ref = std::string(VARNOTH_EXAMPLES) + "/reference.csv";
+  const std::string fos = std::string(VARNOTH_EXAMPLES) + "/fossil.csv";
+  RunResult r = RunBatch({"--reference", ref, "--fossil", fos, "--matrix", "correlation",
+                          "--timestamp", "2026-05-06 07:08:09", "--out", work.Path("out")},
+                         work.Path(""));
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  Session s;
+  FakeDialogs dialogs;
+  NoProgress progress;
+  ASSERT_TRUE(ImportReference(s, ref, dialogs, progress).Ok);
+  PreTreatmentSettings p;
+  p.Correlation = true;
+  ApplyPreTreatment(s, p, progress);
+  ASSERT_TRUE(ImportFossil(s, fos, dialogs, progress).Ok);
+  FileStamp stamp{"2026-05-06", "07:08:09"};
+  SaveLoading(s, work.Path("l.csv"), stamp, progress);
+  sSaveScore(s, work.Path("s.csv"), stamp, progress);
+  fSaveScore(s, work.Path("f.csv"), stamp, progress);
+  EXPECT_EQ(ReadFile(work.Path("out/loading.csv")), ReadFile(work.Path("l.csv")));
+  EXPECT_EQ(ReadFile(work.Path("out/score-reference.csv")), ReadFile(work.Path("s.csv")));
+  EXPECT_EQ(ReadFile(work.Path("out/score-fossil.csv")), ReadFile(work.Path("f.csv")));
+}
+
+TEST(Batch, NoArgumentsRunsTheExampleSet) {
+  TempDir work;
+  RunResult r = RunBatch({}, work.Path(""));
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_NE(r.out.find("varnoth-out"), std::string::npos);
+  for (const char* f : {"loading.csv", "score-reference.csv", "score-fossil.csv"})
+    EXPECT_TRUE(fs::exists(work.Path(std::string("varnoth-out/") + f))) << f;
+}
+
+TEST(Batch, HelpPrintsUsage) {
+  TempDir work;
+  RunResult r = RunBatch({"--help"}, work.Path(""));
+  EXPECT_EQ(r.exitCode, 0);
+  EXPECT_NE(r.out.find("--reference FILE"), std::string::npos);
+}
