@@ -17,4 +17,12 @@ if(VARNOTH_UI_SOURCES)
     add_executable(varnoth ${VARNOTH_APP_SOURCES})
     target_link_libraries(varnoth PRIVATE varnoth_ui)
   endif()
+  # Renders the windows to PNG files offscreen after a scripted road.
+  file(GLOB VARNOTH_SHOTS_SOURCES CONFIGURE_DEPENDS src/app/shots/*.cpp)
+  if(VARNOTH_SHOTS_SOURCES)
+    add_executable(varnoth-shots ${VARNOTH_SHOTS_SOURCES})
+    target_link_libraries(varnoth-shots PRIVATE varnoth_ui)
+    target_compile_definitions(varnoth-shots PRIVATE
+      VARNOTH_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/data/examples")
+  endif()
 endif()

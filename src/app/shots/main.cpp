@@ -1,0 +1,104 @@
+// Renders the windows of the program to PNG files with no display, after a
+// scripted road through the example data: for looking at what users see.
+//   varnoth-shots [output folder] [reference.csv fossil.csv]
+#include <QApplication>
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QDir>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSlider>
+#include <cstdio>
+
+#include "presentation/Colours.h"
+#include "state/Session.h"
+#include "ui/ScriptedDialogs.h"
+#include "ui/frmAbout1.h"
+#include "ui/frmColor.h"
+#include "ui/frmCorrelVar.h"
+#include "ui/frmMain.h"
+#include "ui/frmTest.h"
+
+namespace {
+
+QString g_folder;
+
+void Settle() {
+  for (int i = 0; i < 5; ++i) QApplication::processEvents();
+}
+
+void Shot(QWidget* w, const char* name) {
+  Settle();
+  const QString path = g_folder + "/" + name + ".png";
+  if (!w->grab().save(path)) std::fprintf(stderr, "could not write %s\n", qPrintable(path));
+  std::printf("%s\n", qPrintable(path));
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  QApplication app(argc, argv);
+  g_folder = argc > 1 ? QString(argv[1]) : QString("shots");
+  QDir().mkpath(g_folder);
+  const std::string reference =
+      argc > 3 ? argv[2] : std::string(VARNOTH_EXAMPLES_DIR) + "/reference.csv";
+  const std::string fossil = argc > 3 ? argv[3] : std::string(VARNOTH_EXAMPLES_DIR) + "/fossil.csv";
+
+  varnoth::Session session;
+  varnoth::ColourSettings colours;
+  varnoth::ScriptedDialogs dialogs;
+  dialogs.OpenNames = {reference, fossil};
+  varnoth::frmMain w(session, colours, dialogs);
+  w.SetEndProgram([] {});
+  w.show();
+  Shot(&w, "main-start");
+
+  w.Command5->click();
+  varnoth::frmCorrelVar* dialog = w.CorrelVar();
+  Shot(dialog, "correlvar");
+  dialog->Command1->click();
+  Shot(&w, "main-reference");
+  w.Command6->click();
+  Shot(&w, "main-2d");
+
+  w.Option4[1]->click();
+  w.Timer1().stop();
+  w.Slider2[1]->setValue(35);
+  Shot(&w, "main-3d");
+  w.Check1->click();
+  Shot(&w, "main-3d-stereo");
+  w.Option2[1]->click();
+  w.Option3[2]->click();
+  w.Option5[1]->click();
+  w.Check4->click();
+  Shot(&w, "main-3d-stereo-sequential-noticks");
+  w.Check4->click();
+  w.Option2[0]->click();
+  w.Option3[0]->click();
+  w.Option5[0]->click();
+  w.Check1->click();
+  w.Option4[0]->click();
+  w.Slider4->setValue(1);
+  Shot(&w, "main-2d-zoom1");
+  w.Slider4->setValue(2);
+  w.mnuGrey->trigger();
+  Shot(&w, "main-2d-grey");
+
+  varnoth::frmColor* colour = w.ColorWindow();
+  colour->show();
+  Shot(colour, "color-grey");
+  colour->Command3->click();
+  Shot(colour, "color");
+  Shot(&w, "main-2d-colour");
+
+  varnoth::frmAbout1* about = w.AboutWindow();
+  about->show();
+  Shot(about, "about");
+  varnoth::frmTest* test = w.TestForm();
+  test->show();
+  Shot(test, "test");
+  if (!dialogs.Messages.empty())
+    for (const auto& m : dialogs.Messages) std::fprintf(stderr, "message: %s\n", m.Text.c_str());
+  return 0;
+}

@@ -1,0 +1,186 @@
+#include "presentation/Surface.h"
+
+#include <QClipboard>
+#include <QFont>
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QPainter>
+#include <cmath>
+
+namespace varnoth {
+
+namespace {
+// Figures are laid out for a screen of 96 dots per inch.
+constexpr double kDotsPerInch = 96.0;
+constexpr int kDotsPerMeter = 3780;
+
+QFont FigureFont(double points) {
+  QFont font(QStringLiteral("DejaVu Sans"));
+  font.setPixelSize(std::max(1, static_cast<int>(std::lround(points * kDotsPerInch / 72.0))));
+  return font;
+}
+}  // namespace
+
+Surface::Surface(int width, int height) {
+  SetFontSize(fontPoints_);
+  Resize(width, height);
+}
+
+Surface::~Surface() { EndPainting(); }
+
+void Surface::Resize(int width, int height) {
+  EndPainting();
+  image_ = QImage(std::max(1, width), std::max(1, height), QImage::Format_RGB32);
+  image_.setDotsPerMeterX(kDotsPerMeter);
+  image_.setDotsPerMeterY(kDotsPerMeter);
+  image_.fill(back_);
+  background_ = QImage();
+}
+
+void Surface::SetScale(double left, double top, double width, double height) {
+  left_ = left;
+  top_ = top;
+  width_ = width == 0 ? 1 : width;
+  height_ = height == 0 ? 1 : height;
+}
+
+QPointF Surface::ToPixel(double x, double y) const {
+  return QPointF((x - left_) * image_.width() / width_, (y - top_) * image_.height() / height_);
+}
+
+QPointF Surface::ToUser(QPointF p) const {
+  return QPointF(left_ + p.x() * width_ / image_.width(), top_ + p.y() * height_ / image_.height());
+}
+
+QPainter& Surface::Painter() {
+  if (!painter_) {
+    painter_ = std::make_unique<QPainter>(&image_);
+    painter_->setRenderHint(QPainter::Antialiasing, antialias_);
+    painter_->setFont(FigureFont(fontPoints_));
+  }
+  return *painter_;
+}
+
+void Surface::EndPainting() const {
+  if (painter_) {
+    painter_->end();
+    painter_.reset();
+  }
+}
+
+void Surface::SetBackColour(const QColor& colour) {
+  EndPainting();
+  back_ = colour;
+  background_ = QImage();
+  image_.fill(back_);
+}
+
+void Surface::SetFontSize(double points) {
+  fontPoints_ = points;
+  QFont font = FigureFont(points);
+  ascent_ = QFontMetricsF(font).ascent();
+  if (painter_) painter_->setFont(font);
+}
+
+void Surface::Line(double x1, double y1, double x2, double y2, const QColor& colour) {
+  QPainter& p = Painter();
+  p.setPen(QPen(colour, 1));
+  p.drawLine(ToPixel(x1, y1), ToPixel(x2, y2));
+}
+
+void Surface::Box(double x1, double y1, double x2, double y2, const QColor& colour) {
+  QPainter& p = Painter();
+  p.setPen(QPen(colour, 1));
+  p.setBrush(Qt::NoBrush);
+  p.drawRect(QRectF(ToPixel(x1, y1), ToPixel(x2, y2)).normalized());
+}
+
+void Surface::FilledBox(double x1, double y1, double x2, double y2, const QColor& colour) {
+  QPainter& p = Painter();
+  QRectF r = QRectF(ToPixel(x1, y1), ToPixel(x2, y2)).normalized();
+  p.fillRect(r, colour);
+}
+
+void Surface::Circle(double x, double y, double r, const QColor& colour) {
+  QPainter& p = Painter();
+  const double pr = std::abs(r * image_.width() / width_);
+  p.setPen(QPen(colour, 1));
+  if (fillStyle_ == FillStyle::Solid)
+    p.setBrush(fill_);
+  else
+    p.setBrush(Qt::NoBrush);
+  p.drawEllipse(ToPixel(x, y), pr, pr);
+}
+
+void Surface::Print(double x, double y, const QString& text) { Print(x, y, text, fore_); }
+
+void Surface::Print(double x, double y, const QString& text, const QColor& colour) {
+  QPainter& p = Painter();
+  p.setPen(colour);
+  QPointF at = ToPixel(x, y);
+  p.drawText(QPointF(at.x(), at.y() + ascent_), text);
+}
+
+void Surface::PrintRotated(double x, double y, const QString& text, const QColor& colour,
+                           bool italic) {
+  QPainter& p = Painter();
+  p.save();
+  QFont font(QStringLiteral("DejaVu Sans"));
+  font.setPixelSize(12);
+  font.setWeight(QFont::Normal);
+  font.setItalic(italic);
+  // A width of 5 pixels per character: condense the face to that average.
+  QFontMetricsF m(font);
+  const double average = m.averageCharWidth();
+  if (average > 0) font.setStretch(std::clamp(static_cast<int>(500.0 / average), 1, 4000));
+  p.setFont(font);
+  p.setPen(colour);
+  p.translate(ToPixel(x, y));
+  p.rotate(-90);
+  p.drawText(QPointF(0, QFontMetricsF(font).ascent()), text);
+  p.restore();
+}
+
+double Surface::TextWidth(const QString& text) const {
+  QFontMetricsF m(FigureFont(fontPoints_));
+  return std::abs(m.horizontalAdvance(text) * width_ / image_.width());
+}
+
+double Surface::TextHeight(const QString&) const {
+  QFontMetricsF m(FigureFont(fontPoints_));
+  return std::abs(m.height() * height_ / image_.height());
+}
+
+void Surface::Clear() {
+  EndPainting();
+  if (!background_.isNull() && background_.size() == image_.size())
+    image_ = background_.copy();
+  else
+    image_.fill(back_);
+}
+
+void Surface::StoreBackground() {
+  EndPainting();
+  background_ = image_.copy();
+}
+
+void Surface::CopyToClipboard() const {
+  QClipboard* clipboard = QGuiApplication::clipboard();
+  if (!clipboard) return;
+  clipboard->clear();
+  clipboard->setImage(Image());
+}
+
+const QImage& Surface::Image() const {
+  EndPainting();
+  return image_;
+}
+
+QColor Surface::PixelAtUser(double x, double y) const {
+  QPointF p = ToPixel(x, y);
+  int px = std::clamp(static_cast<int>(std::floor(p.x())), 0, image_.width() - 1);
+  int py = std::clamp(static_cast<int>(std::floor(p.y())), 0, image_.height() - 1);
+  return Image().pixelColor(px, py);
+}
+
+}  // namespace varnoth

@@ -1,0 +1,93 @@
+#pragma once
+// The one drawing surface of every figure: a raster image with a user scale
+// (a negative height lets y grow upwards), a stored background that clear
+// returns to, and the few operations the figures are built from.
+#include <QColor>
+#include <QImage>
+#include <QPointF>
+#include <QString>
+#include <memory>
+
+class QPainter;
+
+namespace varnoth {
+
+enum class FillStyle { Solid, Transparent };
+
+class Surface {
+ public:
+  explicit Surface(int width = 1, int height = 1);
+  ~Surface();
+  Surface(const Surface&) = delete;
+  Surface& operator=(const Surface&) = delete;
+
+  // A new pixel size drops the drawing and the stored background.
+  void Resize(int width, int height);
+  int Width() const { return image_.width(); }
+  int Height() const { return image_.height(); }
+
+  void SetScale(double left, double top, double width, double height);
+  double ScaleLeft() const { return left_; }
+  double ScaleTop() const { return top_; }
+  double ScaleWidth() const { return width_; }
+  double ScaleHeight() const { return height_; }
+  QPointF ToPixel(double x, double y) const;
+  QPointF ToUser(QPointF pixel) const;
+
+  // Setting the background colour wipes the surface to it and forgets any
+  // stored background.
+  void SetBackColour(const QColor& colour);
+  QColor BackColour() const { return back_; }
+  void SetForeColour(const QColor& colour) { fore_ = colour; }
+  QColor ForeColour() const { return fore_; }
+  void SetFillStyle(FillStyle style) { fillStyle_ = style; }
+  void SetFillColour(const QColor& colour) { fill_ = colour; }
+  void SetFontSize(double points);
+  double FontSize() const { return fontPoints_; }
+  void SetAntialiasing(bool on) { antialias_ = on; }
+
+  void Line(double x1, double y1, double x2, double y2, const QColor& colour);
+  void Box(double x1, double y1, double x2, double y2, const QColor& colour);
+  void FilledBox(double x1, double y1, double x2, double y2, const QColor& colour);
+  // The radius is in horizontal user units; filled with the fill colour
+  // when the fill style is solid.
+  void Circle(double x, double y, double r, const QColor& colour);
+  // Text whose top-left corner stands at (x, y), in the fore colour unless
+  // one is given.
+  void Print(double x, double y, const QString& text);
+  void Print(double x, double y, const QString& text, const QColor& colour);
+  // Text turned a quarter to the left, reading upwards: the taxon names of
+  // the diagram. Font height 12, width 5, weight 400 in pixels.
+  void PrintRotated(double x, double y, const QString& text, const QColor& colour,
+                    bool italic = false);
+  double TextWidth(const QString& text) const;   // in user units
+  double TextHeight(const QString& text) const;  // in user units (positive)
+
+  void Clear();            // back to the stored background, or the background colour
+  void StoreBackground();  // what is visible becomes what clear returns to
+  bool HasStoredBackground() const { return !background_.isNull(); }
+
+  // Clears the clipboard and puts the image on it as a bitmap.
+  void CopyToClipboard() const;
+
+  // The image as drawn so far.
+  const QImage& Image() const;
+  QColor PixelAt(int px, int py) const { return Image().pixelColor(px, py); }
+  QColor PixelAtUser(double x, double y) const;
+
+ private:
+  QPainter& Painter();
+  void EndPainting() const;
+
+  QImage image_;
+  QImage background_;
+  mutable std::unique_ptr<QPainter> painter_;
+  double left_ = 0, top_ = 0, width_ = 1, height_ = 1;
+  QColor back_ = Qt::white, fore_ = Qt::black, fill_ = Qt::black;
+  FillStyle fillStyle_ = FillStyle::Transparent;
+  double fontPoints_ = 8;
+  double ascent_ = 0;
+  bool antialias_ = true;
+};
+
+}  // namespace varnoth

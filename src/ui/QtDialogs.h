@@ -1,0 +1,49 @@
+#pragma once
+// The program's questions to the user as real Qt dialogs, and a progress
+// report on a window's progress bar under the busy pointer.
+#include <QPointer>
+#include <QProgressBar>
+#include <QString>
+#include <QWidget>
+
+#include "state/Dialogs.h"
+
+namespace varnoth {
+
+// "DataFile(*.csv)|*.csv" as Qt writes a filter: "DataFile (*.csv)".
+QString QtFilter(const std::string& filter);
+
+class QtDialogs final : public Dialogs {
+ public:
+  void SetParent(QWidget* parent) { parent_ = parent; }
+  std::optional<std::string> OpenFileName(const std::string& filter) override;
+  std::optional<std::string> SaveFileName(const std::string& filter) override;
+  void Message(const std::string& text, const std::string& title) override;
+  bool Question(const std::string& text, const std::string& title) override;
+
+ private:
+  QPointer<QWidget> parent_;
+};
+
+// The busy pointer, set once however often it is asked for.
+class BusyPointer {
+ public:
+  static void Set();
+  static void Restore();
+  static bool IsBusy();
+};
+
+class BarProgress final : public Progress {
+ public:
+  explicit BarProgress(QProgressBar* bar) : bar_(bar) {}
+  void SetBar(QProgressBar* bar) { bar_ = bar; }
+  void Start(long maximum) override;
+  void Step(long value) override;
+  void Finish() override;
+
+ private:
+  QPointer<QProgressBar> bar_;
+  long shown_ = -1;
+};
+
+}  // namespace varnoth

@@ -1,0 +1,103 @@
+#include "ui/frmCorrelVar.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QGroupBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "ui/frmMain.h"
+
+namespace varnoth {
+
+namespace {
+QRadioButton* Option(QWidget* parent, QButtonGroup* group, const QString& name,
+                     const QString& caption) {
+  auto* o = new QRadioButton(caption, parent);
+  o->setObjectName(name);
+  group->addButton(o);
+  parent->layout()->addWidget(o);
+  return o;
+}
+}  // namespace
+
+frmCorrelVar::frmCorrelVar(frmMain& main) : QWidget(nullptr, Qt::Window), main_(main) {
+  setObjectName("frmCorrelVar");
+  setWindowTitle("Data pre-treatment for PCA");
+  setAttribute(Qt::WA_QuitOnClose, false);
+  auto* layout = new QVBoxLayout(this);
+
+  Frame1 = new QGroupBox(" Percentage conversion", this);
+  Frame1->setObjectName("Frame1");
+  new QVBoxLayout(Frame1);
+  auto* g2 = new QButtonGroup(this);
+  Option2[0] = Option(Frame1, g2, "Option2_0", "Convert to % values");
+  Option2[1] = Option(Frame1, g2, "Option2_1", "Don't convert");
+  Option2[0]->setChecked(true);
+  layout->addWidget(Frame1);
+
+  Frame2 = new QGroupBox(" Enhancement", this);
+  Frame2->setObjectName("Frame2");
+  new QVBoxLayout(Frame2);
+  Check1 = new QCheckBox("Enhance minor taxa", Frame2);
+  Check1->setObjectName("Check1");
+  Frame2->layout()->addWidget(Check1);
+  auto* g3 = new QButtonGroup(this);
+  Option3[0] = Option(Frame2, g3, "Option3_0", "Square root");
+  Option3[1] = Option(Frame2, g3, "Option3_1", "Log");
+  Option3[0]->setChecked(true);
+  Option3[0]->setEnabled(false);
+  Option3[1]->setEnabled(false);
+  layout->addWidget(Frame2);
+
+  Frame3 = new QGroupBox(" Select matrix type for PCA", this);
+  Frame3->setObjectName("Frame3");
+  new QVBoxLayout(Frame3);
+  auto* g1 = new QButtonGroup(this);
+  Option1[0] = Option(Frame3, g1, "Option1_0", "Correlation");
+  Option1[1] = Option(Frame3, g1, "Option1_1", "Variance / Covariance");
+  Option1[1]->setChecked(true);
+  layout->addWidget(Frame3);
+
+  Command1 = new QPushButton("OK", this);
+  Command1->setObjectName("Command1");
+  Command1->setDefault(true);
+  layout->addWidget(Command1);
+
+  connect(Check1, &QCheckBox::toggled, this, &frmCorrelVar::EnhanceToggled);
+  for (QButtonGroup* g : {g1, g2, g3})
+    connect(g, &QButtonGroup::buttonClicked, this, [this] { Command1->setFocus(); });
+  connect(Command1, &QPushButton::clicked, this, &frmCorrelVar::ApplyPreTreatment);
+}
+
+void frmCorrelVar::EnhanceToggled(bool on) {
+  Option3[0]->setEnabled(on);
+  Option3[1]->setEnabled(on);
+  Option3[0]->setChecked(true);
+}
+
+PreTreatmentSettings frmCorrelVar::Settings() const {
+  PreTreatmentSettings s;
+  s.ConvertToPercent = Option2[0]->isChecked();
+  s.Enhance = Check1->isChecked();
+  s.SquareRoot = Option3[0]->isChecked();
+  s.Correlation = Option1[0]->isChecked();
+  return s;
+}
+
+void frmCorrelVar::ApplyPreTreatment() {
+  confirming_ = true;
+  main_.ConfirmPreTreatment(Settings());
+  confirming_ = false;
+}
+
+void frmCorrelVar::closeEvent(QCloseEvent* event) {
+  // While the dialog is up the main window is held, so its own frame is the
+  // only way out: closing it ends the program.
+  event->accept();
+  if (!confirming_) main_.QuitProgram();
+}
+
+}  // namespace varnoth

@@ -1,0 +1,251 @@
+// The main window's scatter figures and display controls.
+#include <QAction>
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSlider>
+#include <QStyle>
+#include <QStyleOptionSlider>
+#include <cmath>
+
+#include "state/Format.h"
+#include "ui/PictureBox.h"
+#include "ui/frmMain.h"
+
+namespace varnoth {
+
+namespace {
+constexpr double kPi = 3.1415926535898;
+
+NameDisplay Chosen(const std::array<QRadioButton*, 3>& options) {
+  if (options[1]->isChecked()) return NameDisplay::Sequential;
+  if (options[2]->isChecked()) return NameDisplay::Hide;
+  return NameDisplay::ShowAll;
+}
+}  // namespace
+
+ScatterView frmMain::View() const {
+  ScatterView v;
+  v.ThreeD = Option4[1]->isChecked();
+  v.Stereo = Check1->isChecked();
+  v.TicksAndLabels = Check4->isChecked();
+  v.TaxaNames = Chosen(Option2);
+  v.SiteNames = Chosen(Option3);
+  v.SampleNames = Chosen(Option5);
+  v.FontSize = 7;
+  return v;
+}
+
+void frmMain::DrawTaxaFigure(Count a, Count b, Count c) {
+  DrawTaxa(s_, colours_, View(), a, b, c, {&picture1_[0]->surface(), &picture1_[1]->surface()});
+  DrawAxesLine(s_, colours_, picture3_->surface());
+  picture1_[0]->update();
+  picture1_[1]->update();
+  picture3_->update();
+}
+
+void frmMain::DrawSitesFigure(Count a, Count b, Count c) {
+  DrawSites(s_, colours_, View(), a, b, c, {&picture2_[0]->surface(), &picture2_[1]->surface()});
+  Label8->setText(TempLabelText(s_));
+  Label9->setText(AxisLabelText(s_));
+  picture2_[0]->update();
+  picture2_[1]->update();
+}
+
+void frmMain::DrawFossilFigure(Count a, Count b, Count c) {
+  DrawFossil(s_, colours_, View(), a, b, c, {&picture2_[0]->surface(), &picture2_[1]->surface()});
+  picture2_[0]->update();
+  picture2_[1]->update();
+}
+
+void frmMain::RedrawScatter(Count a, Count b, Count c) {
+  if (s_.EofDone) {
+    DrawSitesFigure(a, b, c);
+    DrawTaxaFigure(a, b, c);
+  }
+  // With a fossil base the samples are the base's own points.
+  if (s_.ProjectionDone || (s_.EofDone && s_.FossilIsBase)) DrawFossilFigure(a, b, c);
+}
+
+void frmMain::RedrawAll() {
+  RedrawScatter(s_.DisplayAxes(1), s_.DisplayAxes(2), s_.DisplayAxes(3));
+  emit RedrawOthers();
+}
+
+void frmMain::ChangeRange() {
+  s_.ScatterZoom = std::pow(2.0, Slider4->value());
+  RedrawScatter(s_.DisplayAxes(1), s_.DisplayAxes(2), s_.DisplayAxes(3));
+}
+
+void frmMain::ChangeAngle(int which) {
+  const double angle = Slider2[static_cast<std::size_t>(which)]->value() * kPi / 180;
+  if (which == 1)
+    s_.RotationAngles.A1 = angle;
+  else
+    s_.RotationAngles.A2 = angle;
+  boundary_.Run([this] { RedrawScatter(s_.DisplayAxes(1), s_.DisplayAxes(2), s_.DisplayAxes(3)); },
+                [this] { timer1_.stop(); });
+}
+
+void frmMain::ChangeVelocity() { s_.RotationStep = ToSingle(Slider3->value() / 4000.0); }
+
+void frmMain::ChangeTolerance() {
+  s_.EnvelopeTolerance = ToSingle(Slider1->value() / 10.0);
+  Label4->setText(QString::fromStdString(FormatSingle(s_.EnvelopeTolerance)));
+  // The value rides above the slider's thumb.
+  QStyleOptionSlider option;
+  option.initFrom(Slider1);
+  option.orientation = Qt::Horizontal;
+  option.minimum = Slider1->minimum();
+  option.maximum = Slider1->maximum();
+  option.sliderPosition = option.sliderValue = Slider1->value();
+  const QRect handle = Slider1->style()->subControlRect(QStyle::CC_Slider, &option,
+                                                        QStyle::SC_SliderHandle, Slider1);
+  const int half = Label4->fontMetrics().horizontalAdvance(Label4->text()) / 2;
+  Label4->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+  Label4->setIndent(std::max(0, handle.center().x() - half));
+  boundary_.Run([this] { RedrawAll(); });
+}
+
+void frmMain::SetStereo(bool on) {
+  const bool was = picture1_[1]->isVisible();
+  const int grow = picture1_[0]->width();
+  picture1_[1]->setVisible(on);
+  picture2_[1]->setVisible(on);
+  if (isVisible() && was != on) resize(width() + (on ? grow : -grow), height());
+}
+
+void frmMain::ChooseDimension(bool threeD) {
+  if (!threeD) {
+    timer1_.stop();
+    if (!s_.MoreAxis) {
+      s_.EnvelopeAxisCount = 2;
+    } else if (s_.EnvelopeAxisCount < 3) {
+      s_.MoreAxis = false;
+      timer2_.stop();
+    }
+  } else {
+    if (!Check2->isChecked()) timer1_.start();
+    if (!s_.MoreAxis) {
+      s_.EnvelopeAxisCount = 3;
+    } else if (s_.EnvelopeAxisCount < 4) {
+      s_.MoreAxis = false;
+      timer2_.stop();
+    }
+  }
+  RefreshMoreAxisLabel();
+  const Array1<Count>& axes = s_.MoreAxis ? s_.DisplayAxes : s_.EnvelopeAxes;
+  RedrawScatter(axes(1), axes(2), axes(3));
+}
+
+void frmMain::TurnStep() {
+  if (!Option4[1]->isChecked() || Check2->isChecked()) return;
+  double a1 = s_.RotationAngles.A1;
+  a1 += Check3->isChecked() ? -s_.RotationStep : s_.RotationStep;
+  if (a1 > kPi)
+    a1 = -kPi;
+  else if (a1 < -kPi)
+    a1 = kPi;
+  s_.RotationAngles.A1 = a1;
+  // The slider's change does the drawing, once per whole degree.
+  Slider2[1]->setValue(static_cast<int>(Int(a1 * 180 / kPi)));
+}
+
+void frmMain::NameOptionChosen(int list) {
+  const std::array<QRadioButton*, 3>& options = list == 0 ? Option2 : list == 1 ? Option3 : Option5;
+  const bool sequential = options[1]->isChecked();
+  QComboBox* combo = list == 0 ? Combo3 : list == 1 ? Combo4 : Combo1;
+  std::array<QPushButton*, 2>& stepping = list == 0 ? Command1 : list == 1 ? Command2 : Command13;
+  combo->setEnabled(sequential);
+  for (QPushButton* b : stepping) b->setEnabled(sequential);
+  boundary_.Run([this, list] {
+    const Count a = s_.DisplayAxes(1), b = s_.DisplayAxes(2), c = s_.DisplayAxes(3);
+    if (list == 0) {
+      if (s_.EofDone) DrawTaxaFigure(a, b, c);
+    } else {
+      RedrawScatter(a, b, c);
+    }
+  });
+}
+
+void frmMain::StepCursor(int list, int direction) {
+  boundary_.Run([this, list, direction] {
+    Count& cursor = list == 0 ? s_.TaxonCursor : list == 1 ? s_.SiteCursor : s_.SampleCursor;
+    const long count = list == 0   ? s_.TaxaCount
+                       : list == 1 ? s_.RefSiteCount
+                                   : s_.FossilSampleCount;
+    long next = cursor + direction;
+    if (next < 1) next = count;
+    if (next > count) next = 1;
+    cursor = ToCount(static_cast<long long>(next));
+    QComboBox* combo = list == 0 ? Combo3 : list == 1 ? Combo4 : Combo1;
+    const Array1<std::string>& names =
+        list == 0   ? (s_.ReferenceIsBase ? s_.RefTaxaNames : s_.FossilTaxaNames)
+        : list == 1 ? s_.RefSiteNames
+                    : s_.FossilLabels;
+    const int index = combo->findText(QString::fromStdString(names(cursor)), Qt::MatchExactly);
+    if (index >= 0) combo->setCurrentIndex(index);
+    const Count a = s_.DisplayAxes(1), b = s_.DisplayAxes(2), c = s_.DisplayAxes(3);
+    if (list == 0)
+      DrawTaxaFigure(a, b, c);
+    else
+      RedrawScatter(a, b, c);
+  });
+}
+
+void frmMain::ChooseByName(int list) {
+  boundary_.Run([this, list] {
+    QComboBox* combo = list == 0 ? Combo3 : list == 1 ? Combo4 : Combo1;
+    const Array1<std::string>& names =
+        list == 0   ? (s_.ReferenceIsBase ? s_.RefTaxaNames : s_.FossilTaxaNames)
+        : list == 1 ? s_.RefSiteNames
+                    : s_.FossilLabels;
+    const long count = list == 0   ? s_.TaxaCount
+                       : list == 1 ? s_.RefSiteCount
+                                   : s_.FossilSampleCount;
+    const std::string text = combo->currentText().toStdString();
+    Count& cursor = list == 0 ? s_.TaxonCursor : list == 1 ? s_.SiteCursor : s_.SampleCursor;
+    // The last match stands; a text not found leaves the cursor.
+    for (long i = 1; i <= count; ++i)
+      if (names(i) == text) cursor = ToCount(static_cast<long long>(i));
+    const Count a = s_.DisplayAxes(1), b = s_.DisplayAxes(2), c = s_.DisplayAxes(3);
+    if (list == 0) {
+      DrawTaxaFigure(a, b, c);
+      if (s_.ProjectionDone) DrawFossilFigure(a, b, c);
+    } else {
+      RedrawScatter(a, b, c);
+    }
+  });
+}
+
+void frmMain::ScheduleRedraw() {
+  if (redrawPending_) return;
+  redrawPending_ = true;
+  QTimer::singleShot(0, this, [this] {
+    redrawPending_ = false;
+    boundary_.Run([this] {
+      if (s_.EofDone) RedrawScatter(s_.DisplayAxes(1), s_.DisplayAxes(2), s_.DisplayAxes(3));
+      if (s_.EofDone) DrawAxesLine(s_, colours_, picture3_->surface());
+      picture3_->update();
+    });
+  });
+}
+
+void frmMain::ApplyColourPreset() {
+  varnoth::ApplyColourPreset(colours_);
+  mnuColor->setChecked(true);
+  mnuGrey->setChecked(false);
+  RedrawAll();
+}
+
+void frmMain::ApplyGreyPreset() {
+  varnoth::ApplyGreyPreset(colours_);
+  mnuColor->setChecked(false);
+  mnuGrey->setChecked(true);
+  RedrawAll();
+}
+
+}  // namespace varnoth
