@@ -1,6 +1,7 @@
 #pragma once
 // Deterministic synthetic pollen tables for benchmarks: random compositions
 // with many zeros, each row summing to 100, written as the program's tables.
+#include <cmath>
 #include <cstdint>
 #include <string>
 #include <vector>

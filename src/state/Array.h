@@ -107,6 +107,15 @@ class Array2 {
     rows_ = cols_ = 0;
     allocated_ = false;
   }
+  // Takes over row-major storage of 0..upper0 by 0..upper1 without a copy.
+  void Adopt(std::vector<T>&& values, long upper0, long upper1) {
+    std::size_t r = detail::Extent(upper0), c = detail::Extent(upper1);
+    if (values.size() != r * c) ThrowSubscript();
+    values_ = std::move(values);
+    rows_ = r;
+    cols_ = c;
+    allocated_ = true;
+  }
 
   T& operator()(long i, long j) {
     if (!detail::Inside(i, rows_) || !detail::Inside(j, cols_)) ThrowSubscript();

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 
@@ -51,6 +52,35 @@ std::size_t NumberPrefix(std::string_view t) {
   return i;
 }
 
+// Exact powers of ten up to 1e22: a product or quotient of one of them with
+// an integer below 2^53 is correctly rounded, as a full conversion would be.
+constexpr double kPow10[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                             1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// The common short decimals of a table without the general conversion.
+bool FastConvert(const char* b, const char* e, double& out) {
+  std::uint64_t mantissa = 0;
+  int digits = 0, fraction = 0;
+  const char* p = b;
+  for (; p < e && IsDigit(*p); ++p) {
+    if (digits > 0 || *p != '0') ++digits;
+    mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p - '0');
+    if (digits > 15) return false;
+  }
+  if (p < e && *p == '.') {
+    for (++p; p < e && IsDigit(*p); ++p) {
+      if (digits > 0 || *p != '0') ++digits;
+      mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p - '0');
+      ++fraction;
+      if (digits > 15 || fraction > 22) return false;
+    }
+  }
+  if (p != e) return false;  // an exponent: the general way
+  out = fraction == 0 ? static_cast<double>(mantissa)
+                      : static_cast<double>(mantissa) / kPow10[fraction];
+  return true;
+}
+
 double Convert(std::string_view t, std::size_t len) {
   const char* b = t.data();
   const char* e = b + len;
@@ -62,14 +92,16 @@ double Convert(std::string_view t, std::size_t len) {
     ++b;
   }
   double v = 0;
-  auto r = std::from_chars(b, e, v);
-  if (r.ec == std::errc::result_out_of_range) {
-    // Tell an overflow from an underflow the slow way; both are rare.
-    std::string s(b, e);
-    errno = 0;
-    double w = std::strtod(s.c_str(), nullptr);
-    if (std::isinf(w)) ThrowOverflow();
-    v = 0;
+  if (!FastConvert(b, e, v)) {
+    auto r = std::from_chars(b, e, v);
+    if (r.ec == std::errc::result_out_of_range) {
+      // Tell an overflow from an underflow the slow way; both are rare.
+      std::string s(b, e);
+      errno = 0;
+      double w = std::strtod(s.c_str(), nullptr);
+      if (std::isinf(w)) ThrowOverflow();
+      v = 0;
+    }
   }
   return negative ? -v : v;
 }

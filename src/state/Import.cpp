@@ -55,12 +55,21 @@ class ValueRows {
   }
   double* Row(long r) {
     if (r < 0 || r > kRowUpper) ThrowSubscript();
-    std::size_t need = static_cast<std::size_t>(r + 1) * static_cast<std::size_t>(columns_ + 1);
+    std::size_t need = static_cast<std::size_t>(r + 1) * Width();
     if (values_.size() < need) values_.resize(need, 0.0);
-    return values_.data() + static_cast<std::size_t>(r) * static_cast<std::size_t>(columns_ + 1);
+    return values_.data() + static_cast<std::size_t>(r) * Width();
+  }
+  void Reserve(long rows) {
+    values_.reserve(static_cast<std::size_t>(std::min(rows, kRowUpper) + 1) * Width());
+  }
+  // Rows 0..rows in the layout of the data matrix, ready to adopt.
+  std::vector<double> Take(long rows) {
+    values_.resize(static_cast<std::size_t>(rows + 1) * Width(), 0.0);
+    return std::move(values_);
   }
 
  private:
+  std::size_t Width() const { return static_cast<std::size_t>(columns_ + 1); }
   long columns_;
   std::vector<double> values_;
 };
@@ -123,6 +132,10 @@ void RunImport(Session& s, const Target& t, const std::optional<std::string>& pa
   // Rows. The names stand in the buffer's first n + 1 cells.
   Array1<std::string> labels(kRowUpper);
   ValueRows values(n);
+  // Room for the rows the file size suggests, judged by the cells so far.
+  const double bytesPerCell = static_cast<double>(in.Position()) / static_cast<double>(2 * k - 3);
+  double estimate = static_cast<double>(in.Length()) / (bytesPerCell * (n + 1)) * 1.1 + 8;
+  values.Reserve(estimate < kRowUpper ? static_cast<long>(estimate) : kRowUpper);
   Count& rows = *t.rowCount;
   rows = 0;
   for (long r = 1;; ++r) {
@@ -193,13 +206,7 @@ void RunImport(Session& s, const Target& t, const std::optional<std::string>& pa
   s.EigenOrder = n;
   labels.ReDimPreserve(rows);
   *t.labels = std::move(labels);
-  Array2<double>& data = *t.data;
-  data.ReDim(rows, n);
-  for (long i = 1; i <= rows; ++i) {
-    const double* v = values.Row(i);
-    double* out = data.Row(i, n);
-    for (long j = 1; j <= n; ++j) out[j] = v[j];
-  }
+  t.data->Adopt(values.Take(rows), rows, n);
   if (fossil) s.FossilProportion.ReDim(rows, n);
 
   if (s.ReferenceIsBase && fossil) FossilPercentageStep(s);

@@ -73,3 +73,23 @@ TEST(Format, PrintedNumbersReadBackExactlyToFifteenDigits) {
     EXPECT_NEAR(LenientParse(text), v, std::abs(v) * 1e-14);
   }
 }
+
+// The short-decimal path must give exactly what the general conversion gives.
+TEST(Format, ShortDecimalsConvertExactly) {
+  std::mt19937_64 rng(11);
+  for (int i = 0; i < 200000; ++i) {
+    int frac = static_cast<int>(rng() % 12);
+    std::uint64_t m = rng() % 1000000000000000ULL;
+    std::string digits = std::to_string(m);
+    if (frac > 0) {
+      if (static_cast<int>(digits.size()) <= frac) digits.insert(0, frac - digits.size() + 1, '0');
+      digits.insert(digits.size() - frac, ".");
+    }
+    EXPECT_EQ(LenientParse(digits), std::strtod(digits.c_str(), nullptr)) << digits;
+    EXPECT_EQ(LenientParse("-" + digits), -std::strtod(digits.c_str(), nullptr)) << digits;
+  }
+  EXPECT_EQ(LenientParse("0.1"), 0.1);
+  EXPECT_EQ(LenientParse("98.97"), 98.97);
+  EXPECT_EQ(LenientParse("1234567890123456789"), 1234567890123456789.0);
+  EXPECT_EQ(LenientParse("0.00000000000000000000000001"), 1e-26);
+}
