@@ -87,7 +87,7 @@ class Surface {
   FillStyle fillStyle_ = FillStyle::Transparent;
   double fontPoints_ = 8;
   double ascent_ = 0;
-  bool antialias_ = true;
+  bool antialias_ = false;  // crisp marks, as on a plain raster
 };
 
 }  // namespace varnoth

@@ -15,6 +15,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QSlider>
 #include <QVBoxLayout>
 #include <cmath>
@@ -81,6 +82,11 @@ frmMain::frmMain(Session& session, ColourSettings& colours, Dialogs& dialogs, QW
   BuildPopups();
   StartValues();
   ConnectEvents();
+  // Figures of a readable size where the screen allows.
+  QSize size(980, 720);
+  if (const QScreen* screen = QGuiApplication::primaryScreen())
+    size = size.boundedTo(screen->availableSize());
+  resize(size.expandedTo(minimumSizeHint()));
 }
 
 frmMain::~frmMain() = default;

@@ -4,6 +4,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QLayout>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
@@ -112,10 +113,15 @@ void frmMain::ChangeTolerance() {
 
 void frmMain::SetStereo(bool on) {
   const bool was = picture1_[1]->isVisible();
-  const int grow = picture1_[0]->width();
+  // Shrinking gives back what growing took, whatever the layout did between.
+  if (on && !was) stereoGrow_ = picture1_[0]->width();
+  const int target = width() + (on ? stereoGrow_ : -stereoGrow_);
   picture1_[1]->setVisible(on);
   picture2_[1]->setVisible(on);
-  if (isVisible() && was != on) resize(width() + (on ? grow : -grow), height());
+  if (!isVisible() || was == on) return;
+  // The window grows or shrinks by one picture's width.
+  centralWidget()->layout()->activate();
+  resize(std::max(target, minimumSizeHint().width()), height());
 }
 
 void frmMain::ChooseDimension(bool threeD) {
