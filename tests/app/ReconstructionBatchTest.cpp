@@ -1,0 +1,244 @@
+// The reconstruction step of the batch runner: its files are byte for byte
+// what the engine's save operations write after the same road, its options
+// map onto the window's controls, and bad climate files end with the
+// program's own messages and no curve files.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <filesystem>
+
+#include "eof/PreTreatment.h"
+#include "reconstruction/AnalogueSearch.h"
+#include "reconstruction/ClimateImport.h"
+#include "reconstruction/Curves.h"
+#include "reconstruction/ReconstructionFiles.h"
+#include "state/Import.h"
+#include "support/TestSupport.h"
+
+extern char** environ;
+
+namespace fs = std::filesystem;
+using namespace varnoth;
+using namespace varnoth::test;
+
+namespace {
+
+struct ProgramRun {
+  int exitCode = -1;
+  std::string err;
+};
+
+ProgramRun RunProgram(std::vector<std::string> args, const TempDir& work) {
+  const std::string errPath = work.Path(".stderr"), outPath = work.Path(".stdout");
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
+                                   0644);
+  posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
+                                   0644);
+  args.insert(args.begin(), VARNOTH_BATCH);
+  std::vector<char*> argv;
+  for (auto& a : args) argv.push_back(a.data());
+  argv.push_back(nullptr);
+  pid_t pid;
+  ProgramRun r;
+  if (posix_spawn(&pid, VARNOTH_BATCH, &actions, nullptr, argv.data(), environ) == 0) {
+    int status = 0;
+    waitpid(pid, &status, 0);
+    r.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+  posix_spawn_file_actions_destroy(&actions);
+  r.err = ReadFile(errPath);
+  return r;
+}
+
+std::string Ex(const std::string& name) { return std::string(VARNOTH_EXAMPLES) + "/" + name; }
+std::string Climate(const std::string& name) { return TestData("reconstruction/climate/" + name); }
+
+std::vector<std::string> Road(const TempDir& work, std::vector<std::string> more) {
+  std::vector<std::string> args = {"--reference", Ex("reference.csv"), "--fossil", Ex("fossil.csv"),
+                                   "--out",       work.Path("out")};
+  args.insert(args.end(), more.begin(), more.end());
+  return args;
+}
+
+// The same road through the engine, writing with its save operations.
+struct EngineRoad {
+  Session s;
+  FakeDialogs dialogs;
+  NoProgress progress;
+  explicit EngineRoad(const PreTreatmentSettings& p = {}) {
+    EXPECT_TRUE(ImportReference(s, Ex("reference.csv"), dialogs, progress).Ok);
+    ApplyPreTreatment(s, p, progress);
+    EXPECT_TRUE(ImportFossil(s, Ex("fossil.csv"), dialogs, progress).Ok);
+    EXPECT_TRUE(InportClimateData(s, Ex("climate.csv"), dialogs).Ok);
+  }
+  void Compare(const TempDir& work, const AnalogueSettings& st, const std::string& parameter,
+               bool errorModel) {
+    RunReconstruction(s, st, progress);
+    SetCurrentParameter(s, parameter);
+    auto same = [&](const std::string& name,
+                    bool (*save)(const Session&, const std::optional<std::string>&, Progress&)) {
+      ASSERT_TRUE(save(s, work.Path("engine-" + name), progress));
+      EXPECT_EQ(ReadFile(work.Path("out/" + name)), ReadFile(work.Path("engine-" + name))) << name;
+    };
+    same("curve-all.csv", SaveCurveAll);
+    same("curve-all-with-error.csv", SaveCurveAllwithE);
+    same("curve.csv", SaveCurve);
+    same("curve-with-error.csv", SaveCurveWithE);
+    ASSERT_TRUE(SaveDistAna(s, work.Path("engine-details.csv"), progress));
+    EXPECT_EQ(ReadFile(work.Path("out/analogue-details.csv")),
+              ReadFile(work.Path("engine-details.csv")));
+    EXPECT_EQ(fs::exists(work.Path("out/scatter-SumSST.csv")), errorModel);
+    if (!errorModel) return;
+    GenerateErrorModel(s, st, progress);
+    for (Count p = 1; p <= s.ClimateParamCount; ++p) {
+      s.CurrentParameter = p;
+      const std::string name = "scatter-" + s.ClimateParamNames(p) + ".csv";
+      same(name, SaveScatter);
+    }
+  }
+};
+
+}  // namespace
+
+TEST(ReconstructionBatch, DefaultsAreTheWindowsAndFilesEqualTheEngine) {
+  TempDir work;
+  ProgramRun r = RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--error-model"}), work);
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_TRUE(r.err.empty());
+  EngineRoad engine;
+  AnalogueSettings st;  // taxa, no enhancement, no weighting, 0-8, 0.2
+  engine.Compare(work, st, "SumSST", true);
+  // The first parameter is the one of curve.csv.
+  EXPECT_EQ(ReadFile(work.Path("out/curve.csv")).substr(0, 18), "\"Depth\",\"SumSST\"\r\n");
+}
+
+TEST(ReconstructionBatch, OptionsMapOntoTheSettings) {
+  TempDir work;
+  ProgramRun r = RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--analogue-enhance", "log",
+                                        "--weighting", "distance", "--min", "3", "--max", "5",
+                                        "--threshold", "0.35", "--parameter", "WinSST"}),
+                            work);
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  EngineRoad engine;
+  AnalogueSettings st;
+  st.Enhance = AnalogueEnhance::Log;
+  st.InverseWeighting = true;
+  st.WeightBy = AnalogueWeightBy::Distance;
+  st.MinAnalogues = 3;
+  st.MaxAnalogues = 5;
+  DefineThreshold(st, 35);
+  engine.Compare(work, st, "WinSST", false);
+}
+
+TEST(ReconstructionBatch, WeightByAloneSteersTheErrorModelOnly) {
+  TempDir work;
+  ProgramRun r = RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--weight-by", "distance",
+                                        "--analogue-enhance", "sqrt", "--error-model"}),
+                            work);
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  EngineRoad engine;
+  AnalogueSettings st;
+  st.Enhance = AnalogueEnhance::SquareRoot;
+  st.WeightBy = AnalogueWeightBy::Distance;
+  DefineThreshold(st, 20);
+  engine.Compare(work, st, "SumSST", true);
+}
+
+TEST(ReconstructionBatch, EofBasisTakesThePreTreatmentsEnhancement) {
+  TempDir work;
+  ProgramRun r = RunProgram(Road(work, {"--enhance", "sqrt", "--climate", Ex("climate.csv"),
+                                        "--basis", "eof", "--max", "0", "--threshold", "2"}),
+                            work);
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  PreTreatmentSettings p;
+  p.Enhance = true;
+  EngineRoad engine(p);
+  AnalogueSettings st;
+  st.Basis = AnalogueBasis::EofValues;
+  st.Enhance = AnalogueEnhance::SquareRoot;
+  st.MaxAnalogues = 1;  // 0 is raised to 1, as the slider does
+  DefineThreshold(st, 200);
+  engine.Compare(work, st, "SumSST", false);
+}
+
+TEST(ReconstructionBatch, BadClimateFilesShowTheMessagesAndWriteNoCurve) {
+  struct Case {
+    std::string file, err;
+    bool acceptNames = false;
+  };
+  const std::vector<Case> cases = {
+      {Climate("short.csv"), "Error: Site number inconsistent.\n"},
+      {Climate("blank.csv"), "Error: Blanc cell detected.\n"},
+      {Climate("renamed.csv"),
+       "Error: Name inconsistent.  [X14-61] = [V14-61]? (answered No; see --accept-names)\n"},
+      {Climate("missing.csv"),
+       "Error: Cannot read the climate file " + Climate("missing.csv") + ".\n"},
+  };
+  for (const Case& c : cases) {
+    TempDir work;
+    ProgramRun r = RunProgram(Road(work, {"--climate", c.file}), work);
+    EXPECT_EQ(r.exitCode, 1) << c.file;
+    EXPECT_EQ(r.err, c.err);
+    EXPECT_FALSE(fs::exists(work.Path("out/curve-all.csv"))) << c.file;
+  }
+  TempDir work;
+  ProgramRun garbage = RunProgram(Road(work, {"--climate", Climate("garbage.csv")}), work);
+  EXPECT_EQ(garbage.exitCode, 1);
+  EXPECT_EQ(garbage.err.substr(0, 7), "Error: ");
+  EXPECT_FALSE(fs::exists(work.Path("out/curve-all.csv")));
+}
+
+TEST(ReconstructionBatch, AcceptedNamesRun) {
+  TempDir work;
+  ProgramRun r =
+      RunProgram(Road(work, {"--climate", Climate("renamed.csv"), "--accept-names"}), work);
+  EXPECT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_TRUE(fs::exists(work.Path("out/curve-all.csv")));
+}
+
+TEST(ReconstructionBatch, NoAnalogueAtAllIsReported) {
+  TempDir work;
+  ProgramRun r = RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--threshold", "0"}), work);
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_EQ(r.err, "Error: No analogues through the whole sequence. Change threshold.\n");
+  EXPECT_FALSE(fs::exists(work.Path("out/curve.csv")));
+}
+
+TEST(ReconstructionBatch, UnknownParameterStops) {
+  TempDir work;
+  ProgramRun r =
+      RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--parameter", "Rain"}), work);
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_EQ(r.err, "Error: No climate parameter is named Rain.\n");
+}
+
+TEST(ReconstructionBatch, WrongOptionValuesAreUsageErrors) {
+  const std::vector<std::vector<std::string>> wrong = {
+      {"--climate", "c.csv", "--threshold", "0.005"},
+      {"--climate", "c.csv", "--threshold", "2.01"},
+      {"--climate", "c.csv", "--threshold", "x"},
+      {"--climate", "c.csv", "--min", "9", "--max", "8"},
+      {"--climate", "c.csv", "--max", "21"},
+      {"--climate", "c.csv", "--min", "-1"},
+      {"--climate", "c.csv", "--basis", "pollen"},
+      {"--climate", "c.csv", "--basis", "eof", "--analogue-enhance", "sqrt"},
+      {"--climate", "c.csv", "--enhance", "log", "--analogue-enhance", "log"},
+      {"--climate", "c.csv", "--weighting", "squared", "--weight-by", "distance"},
+      {"--min", "3"},
+  };
+  for (const auto& args : wrong) {
+    TempDir work;
+    ProgramRun r = RunProgram(Road(work, args), work);
+    EXPECT_EQ(r.exitCode, 2) << args[args.size() - 1];
+    EXPECT_NE(r.err.find("usage: varnoth-batch"), std::string::npos);
+  }
+  TempDir work;
+  ProgramRun r = RunProgram({"--reference", Ex("reference.csv"), "--climate", Ex("climate.csv"),
+                             "--out", work.Path("out")},
+                            work);
+  EXPECT_EQ(r.exitCode, 2);
+}
