@@ -1,0 +1,115 @@
+// varnoth-batch with the diagram's results: CONISS joins and all EOF curves.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Data(const std::string& name) {
+  return std::string(VARNOTH_TEST_DATA) + "/diagram/" + name;
+}
+
+class BatchRun {
+ public:
+  explicit BatchRun(const std::string& args) {
+    static std::atomic<int> counter{0};
+    dir_ = fs::temp_directory_path() / ("varnoth-diagram-batch-" + std::to_string(::getpid()) +
+                                        "-" + std::to_string(counter++));
+    fs::remove_all(dir_);
+    fs::create_directories(dir_);
+    std::string command = std::string("\"") + VARNOTH_BATCH + "\" " + args + " --out \"" +
+                          (dir_ / "out").string() + "\" > \"" + (dir_ / "stdout").string() +
+                          "\" 2> \"" + (dir_ / "stderr").string() + "\"";
+    int status = std::system(command.c_str());
+    code_ = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+  ~BatchRun() { fs::remove_all(dir_); }
+  int Code() const { return code_; }
+  std::string File(const std::string& name) const { return Read(dir_ / "out" / name); }
+  bool Has(const std::string& name) const { return fs::exists(dir_ / "out" / name); }
+  std::string Errors() const { return Read(dir_ / "stderr"); }
+
+ private:
+  static std::string Read(const fs::path& p) {
+    std::ifstream f(p, std::ios::binary);
+    std::ostringstream s;
+    s << f.rdbuf();
+    return s.str();
+  }
+  fs::path dir_;
+  int code_ = -1;
+};
+
+std::string Tables(const std::string& fossil) {
+  return "--reference \"" + Data("reference.csv") + "\" --fossil \"" + Data(fossil) + "\"";
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  std::string line;
+  while (std::getline(in, line)) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+}  // namespace
+
+TEST(DiagramBatch, ConissWritesOneRecordPerJoin) {
+  // Core of four samples at depths 0, 10, 20, 30 (positions 10 to 40):
+  // (0, 1), (.25, .75), (.75, .25), (1, 0). The outer pairs tie at 0.125
+  // and the first joins first; the clusters (.125, .875) and (.875, .125)
+  // join at 0.5625 * 2 plus both levels.
+  BatchRun r(Tables("core.csv") + " --coniss");
+  ASSERT_EQ(r.Code(), 0) << r.Errors();
+  EXPECT_EQ(r.File("coniss.csv"),
+            "\"Join\",\"Left\",\"Right\",\"Height\"\r\n"
+            "1,10,20,0.125\r\n"
+            "2,30,40,0.125\r\n"
+            "3,15,35,1.375\r\n");
+  EXPECT_FALSE(r.Has("eof-all.csv"));
+}
+
+TEST(DiagramBatch, EqualFirstAndLastDepthsStopTheRunWithTheFailure) {
+  BatchRun r(Tables("equal-depths.csv") + " --coniss");
+  EXPECT_EQ(r.Code(), 1);
+  EXPECT_NE(r.Errors().find("Error: "), std::string::npos);
+  EXPECT_FALSE(r.Has("coniss.csv"));
+}
+
+TEST(DiagramBatch, AllEofCurvesMatchTheFossilScores) {
+  BatchRun r(Tables("core.csv") + " --save-all-eof");
+  ASSERT_EQ(r.Code(), 0) << r.Errors();
+  std::vector<std::string> all = Lines(r.File("eof-all.csv"));
+  ASSERT_EQ(all.size(), 5u);
+  EXPECT_EQ(all[0], "\"Depth\",\"EOF-1\",\"EOF-2\",\"EOF - 3\"");
+  // Each sample line is the score file's line without the envelope state.
+  std::vector<std::string> scores = Lines(r.File("score-fossil.csv"));
+  for (std::size_t i = 1; i < all.size(); ++i) {
+    std::string score = scores[scores.size() - all.size() + i];
+    std::string withoutState =
+        score.substr(0, score.find(',')) + score.substr(score.find(',', score.find(',') + 1));
+    EXPECT_EQ(all[i], withoutState);
+  }
+  EXPECT_FALSE(r.Has("coniss.csv"));
+}
+
+TEST(DiagramBatch, BothTogetherAndTheirNeeds) {
+  BatchRun r(Tables("core.csv") + " --coniss --save-all-eof");
+  ASSERT_EQ(r.Code(), 0) << r.Errors();
+  EXPECT_TRUE(r.Has("coniss.csv"));
+  EXPECT_TRUE(r.Has("eof-all.csv"));
+  BatchRun noFossil("--reference \"" + Data("reference.csv") + "\" --coniss");
+  EXPECT_EQ(noFossil.Code(), 2);
+  EXPECT_NE(noFossil.Errors().find("--fossil"), std::string::npos);
+}
