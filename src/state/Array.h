@@ -7,11 +7,46 @@
 // after one bounds check.
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
+#include <new>
+#include <type_traits>
 #include <vector>
 
 #include "state/Failure.h"
 
 namespace varnoth {
+
+// Storage that comes zeroed from calloc, so that a large array costs nothing
+// until its pages are written; plain element types are then not zeroed a
+// second time.
+template <typename T>
+struct ZeroAllocator {
+  using value_type = T;
+  ZeroAllocator() = default;
+  template <typename U>
+  ZeroAllocator(const ZeroAllocator<U>&) {}
+  T* allocate(std::size_t n) {
+    void* p = std::calloc(n == 0 ? 1 : n, sizeof(T));
+    if (!p) throw std::bad_alloc();
+    return static_cast<T*>(p);
+  }
+  void deallocate(T* p, std::size_t) { std::free(p); }
+  template <typename U>
+  void construct(U* p) {
+    if constexpr (!std::is_trivially_default_constructible_v<U>) ::new (static_cast<void*>(p)) U();
+  }
+  template <typename U, typename... Args>
+  void construct(U* p, Args&&... args) {
+    ::new (static_cast<void*>(p)) U(std::forward<Args>(args)...);
+  }
+  template <typename U>
+  bool operator==(const ZeroAllocator<U>&) const {
+    return true;
+  }
+};
+
+template <typename T>
+using Storage = std::vector<T, ZeroAllocator<T>>;
 
 namespace detail {
 inline std::size_t Extent(long upper) {
@@ -32,13 +67,19 @@ class Array1 {
   // Sizes to 0..upper and clears every element.
   void ReDim(long upper) {
     std::size_t n = detail::Extent(upper);
-    values_.assign(n, T{});
+    Storage<T> fresh;
+    fresh.resize(n);
+    values_.swap(fresh);
     allocated_ = true;
   }
   // Sizes to 0..upper keeping the elements that stay inside.
   void ReDimPreserve(long upper) {
     std::size_t n = detail::Extent(upper);
-    values_.resize(n, T{});
+    if (n < values_.size()) {
+      values_.resize(n);
+    } else {
+      values_.resize(n, T{});
+    }
     allocated_ = true;
   }
   void Erase() {
@@ -73,7 +114,7 @@ class Array1 {
   bool operator==(const Array1& o) const = default;
 
  private:
-  std::vector<T> values_;
+  Storage<T> values_;
   bool allocated_ = false;
 };
 
@@ -85,14 +126,17 @@ class Array2 {
 
   void ReDim(long upper0, long upper1) {
     std::size_t r = detail::Extent(upper0), c = detail::Extent(upper1);
-    values_.assign(r * c, T{});
+    Storage<T> fresh;
+    fresh.resize(r * c);
+    values_.swap(fresh);
     rows_ = r;
     cols_ = c;
     allocated_ = true;
   }
   void ReDimPreserve(long upper0, long upper1) {
     std::size_t r = detail::Extent(upper0), c = detail::Extent(upper1);
-    std::vector<T> next(r * c, T{});
+    Storage<T> next;
+    next.resize(r * c);
     std::size_t keepR = std::min(r, rows_), keepC = std::min(c, cols_);
     for (std::size_t i = 0; i < keepR; ++i)
       std::copy_n(values_.begin() + static_cast<std::ptrdiff_t>(i * cols_), keepC,
@@ -108,7 +152,7 @@ class Array2 {
     allocated_ = false;
   }
   // Takes over row-major storage of 0..upper0 by 0..upper1 without a copy.
-  void Adopt(std::vector<T>&& values, long upper0, long upper1) {
+  void Adopt(Storage<T>&& values, long upper0, long upper1) {
     std::size_t r = detail::Extent(upper0), c = detail::Extent(upper1);
     if (values.size() != r * c) ThrowSubscript();
     values_ = std::move(values);
@@ -158,7 +202,7 @@ class Array2 {
   bool operator==(const Array2& o) const = default;
 
  private:
-  std::vector<T> values_;
+  Storage<T> values_;
   std::size_t rows_ = 0, cols_ = 0;
   bool allocated_ = false;
 };
@@ -173,7 +217,9 @@ class Array3 {
     n0_ = detail::Extent(u0);
     n1_ = detail::Extent(u1);
     n2_ = detail::Extent(u2);
-    values_.assign(n0_ * n1_ * n2_, T{});
+    Storage<T> fresh;
+    fresh.resize(n0_ * n1_ * n2_);
+    values_.swap(fresh);
     allocated_ = true;
   }
   void Erase() {
@@ -202,7 +248,7 @@ class Array3 {
   bool operator==(const Array3& o) const = default;
 
  private:
-  std::vector<T> values_;
+  Storage<T> values_;
   std::size_t n0_ = 0, n1_ = 0, n2_ = 0;
   bool allocated_ = false;
 };

@@ -12,18 +12,31 @@ class CellReader {
   explicit CellReader(std::string content);
   // Reads the whole file; a file that cannot be opened is the file failure.
   static CellReader FromFile(const std::string& path);
+  CellReader(CellReader&& other) noexcept;
+  CellReader& operator=(CellReader&&) = delete;
+  CellReader(const CellReader&) = delete;
+  ~CellReader();
 
   // The next cell. Valid until the reader is destroyed. Reading when nothing
   // is left is the input-past-end failure.
   std::string_view Next();
+  // The next cell as a number by the lenient parse, in one pass over the
+  // usual short decimal; `empty` tells whether the cell was empty.
+  double NextLenient(bool& empty);
   // True when only blanks and line ends remain: the end test made at the
   // start of a row, so a trailing blank line is no row.
   bool AtEnd() const;
   std::size_t Position() const { return pos_; }
-  std::size_t Length() const { return text_.size(); }
+  std::size_t Length() const { return size_; }
 
  private:
-  std::string text_;
+  CellReader() = default;
+  void SkipByteOrderMark();
+
+  std::string owned_;        // content read into memory
+  void* mapped_ = nullptr;   // or the file mapped, when it could be
+  const char* data_ = nullptr;
+  std::size_t size_ = 0;
   std::size_t pos_ = 0;
 };
 

@@ -23,6 +23,9 @@ static std::string FormatDigits(double v, int digits) {
 std::string FormatGeneral(double v) { return FormatDigits(v, 15); }
 std::string FormatSingle(float v) { return FormatDigits(static_cast<double>(v), 7); }
 
+const double kExactPowersOfTen[16] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                     1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
 namespace {
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
@@ -52,10 +55,6 @@ std::size_t NumberPrefix(std::string_view t) {
   return i;
 }
 
-// Exact powers of ten up to 1e22: a product or quotient of one of them with
-// an integer below 2^53 is correctly rounded, as a full conversion would be.
-constexpr double kPow10[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                             1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
 // The common short decimals of a table without the general conversion.
 bool FastConvert(const char* b, const char* e, double& out) {
@@ -72,12 +71,12 @@ bool FastConvert(const char* b, const char* e, double& out) {
       if (digits > 0 || *p != '0') ++digits;
       mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p - '0');
       ++fraction;
-      if (digits > 15 || fraction > 22) return false;
+      if (digits > 15 || fraction > 15) return false;
     }
   }
   if (p != e) return false;  // an exponent: the general way
   out = fraction == 0 ? static_cast<double>(mantissa)
-                      : static_cast<double>(mantissa) / kPow10[fraction];
+                      : static_cast<double>(mantissa) / kExactPowersOfTen[fraction];
   return true;
 }
 
@@ -108,12 +107,34 @@ double Convert(std::string_view t, std::size_t len) {
 }  // namespace
 
 double LenientParse(std::string_view text) {
-  std::size_t start = 0;
-  while (start < text.size() && IsBlank(text[start])) ++start;
-  std::string_view t = text.substr(start);
-  std::size_t len = NumberPrefix(t);
-  if (len == 0) return 0.0;
-  return Convert(t, len);
+  // One pass over the usual short decimal; anything longer, or with an
+  // exponent, goes the general way.
+  const char* p = text.data();
+  const char* e = p + text.size();
+  while (p < e && IsBlank(*p)) ++p;
+  const char* start = p;
+  bool negative = false;
+  if (p < e && (*p == '+' || *p == '-')) negative = *p++ == '-';
+  // Leading zeros count as digits here: a rare long one just takes the
+  // general way.
+  std::uint64_t mantissa = 0;
+  const char* first = p;
+  for (; p < e && IsDigit(*p); ++p) mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p - '0');
+  long whole = p - first, fraction = 0;
+  if (p < e && *p == '.') {
+    const char* point = ++p;
+    for (; p < e && IsDigit(*p); ++p) mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p - '0');
+    fraction = p - point;
+  }
+  if (whole + fraction == 0) return 0.0;
+  bool exponent = p < e && (*p == 'e' || *p == 'E');
+  if (!exponent && whole + fraction <= 15) {
+    double v = fraction == 0 ? static_cast<double>(mantissa)
+                             : static_cast<double>(mantissa) / kExactPowersOfTen[fraction];
+    return negative ? -v : v;
+  }
+  std::string_view t(start, static_cast<std::size_t>(e - start));
+  return Convert(t, NumberPrefix(t));
 }
 
 double StrictParse(std::string_view text) {

@@ -18,6 +18,10 @@ double LenientParse(std::string_view text);
 // The whole text must be one number (surrounding blanks allowed); otherwise,
 // and for an empty text, the type mismatch failure.
 double StrictParse(std::string_view text);
+// Exact powers of ten, 1e0 to 1e15: an integer below 2^53 divided by one of
+// them is correctly rounded, as a full decimal conversion would be.
+extern const double kExactPowersOfTen[16];
+
 // A cell is a number cell when printing its lenient value gives the cell back.
 bool IsNumberCell(std::string_view cell);
 

@@ -56,22 +56,22 @@ class ValueRows {
   double* Row(long r) {
     if (r < 0 || r > kRowUpper) ThrowSubscript();
     std::size_t need = static_cast<std::size_t>(r + 1) * Width();
-    if (values_.size() < need) values_.resize(need, 0.0);
+    if (values_.size() < need) values_.resize(need);
     return values_.data() + static_cast<std::size_t>(r) * Width();
   }
   void Reserve(long rows) {
     values_.reserve(static_cast<std::size_t>(std::min(rows, kRowUpper) + 1) * Width());
   }
   // Rows 0..rows in the layout of the data matrix, ready to adopt.
-  std::vector<double> Take(long rows) {
-    values_.resize(static_cast<std::size_t>(rows + 1) * Width(), 0.0);
+  Storage<double> Take(long rows) {
+    values_.resize(static_cast<std::size_t>(rows + 1) * Width());
     return std::move(values_);
   }
 
  private:
   std::size_t Width() const { return static_cast<std::size_t>(columns_ + 1); }
   long columns_;
-  std::vector<double> values_;
+  Storage<double> values_;
 };
 
 std::string NormalisedLabel(std::string_view cell) { return FormatGeneral(LenientParse(cell)); }
@@ -153,18 +153,19 @@ void RunImport(Session& s, const Target& t, const std::optional<std::string>& pa
       }
     } else if (r == 2) {
       labels(r) = text ? buffer(2L * n + 2) : NormalisedLabel(in.Next());
-      for (long j = 1; j <= n; ++j) v[j] = LenientParse(in.Next());
+      bool empty;
+      for (long j = 1; j <= n; ++j) v[j] = in.NextLenient(empty);
     } else {
       std::string_view label = in.Next();
       labels(r) = text ? std::string(label) : NormalisedLabel(label);
       for (long j = 1; j <= n; ++j) {
-        std::string_view cell = in.Next();
-        if (cell.empty()) {
+        bool empty;
+        v[j] = in.NextLenient(empty);
+        if (empty) {
           v[j] = kMissing;
           dialogs.Message("Blanc cell detected.", "Error");
           throw ImportAbort{};
         }
-        v[j] = LenientParse(cell);
       }
     }
   }

@@ -2,6 +2,7 @@
 
 #include "state/CellReader.h"
 #include "state/Failure.h"
+#include "state/Format.h"
 #include "state/RecordWriter.h"
 #include "support/TestSupport.h"
 
@@ -71,4 +72,19 @@ TEST(RecordWriter, QuotedRecordsWithCrLf) {
   w.Save(dir.Path("x.csv"));
   EXPECT_EQ(varnoth::test::ReadFile(dir.Path("x.csv")), w.Content());
   EXPECT_THROW(w.Save(dir.Path("missing/x.csv")), RuntimeFailure);
+}
+
+// The one-pass number path gives what the cell and the lenient parse give.
+TEST(CellReader, NextLenientEqualsNextThenParse) {
+  const std::string text =
+      "12,0.5,-3.25,,  7,\"8\",1e3,abc,0.000001,123456789012345678,+4,5x,1.,.5\r\n9\n\"q\"z,";
+  CellReader a(text), b(text);
+  while (a.Position() < a.Length()) {
+    bool empty = true;
+    double v = a.NextLenient(empty);
+    std::string_view cell = b.Next();
+    EXPECT_EQ(empty, cell.empty()) << cell;
+    EXPECT_EQ(v, LenientParse(cell)) << cell;
+    EXPECT_EQ(a.Position(), b.Position()) << cell;
+  }
 }
