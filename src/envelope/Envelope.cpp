@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <mutex>
+#include <type_traits>
 #include <vector>
 
 #include "envelope/Uniform.h"
@@ -75,27 +76,33 @@ struct Marks {
   std::vector<Vm> OutLanes;   // per lane group of samples
 };
 
-// Projections of a run of lane groups, axis after axis:
-// buffer[b] = sum over k of a(k) * x(k), added in axis order.
+// The most axes handled with the count known at compile time; more take
+// the general loop.
+constexpr int kMaxFixedAxes = 12;
+
+// Projections of a run of lane groups: buffer[b] = sum over k of
+// a(k) * x(k), added in axis order.
 template <int K>
 inline void ProjectChunk(const Columns& c, const double* a, long first, long count, Vd* buffer) {
-  const int axes = K > 0 ? K : c.Axes;
-  const Vd* x0 = c.Axis(0) + first;
-  const Vd a0 = Splat(a[0]);
-  if constexpr (K > 0 && K <= 3) {
-    // Few axes: one pass, the sum kept in a register.
-    const Vd* x1 = c.Axis(1) + first;
-    const Vd a1 = Splat(a[1]);
-    const Vd* x2 = c.Axis(K - 1) + first;
-    const Vd a2 = Splat(a[K - 1]);
+  if constexpr (K > 0) {
+    // The sum stays in a register; the axis loop unrolls.
+    const Vd* x[K];
+    Vd coef[K];
+    for (int k = 0; k < K; ++k) {
+      x[k] = c.Axis(k) + first;
+      coef[k] = Splat(a[k]);
+    }
     for (long b = 0; b < count; ++b) {
-      Vd p = a0 * x0[b] + a1 * x1[b];
-      if constexpr (K == 3) p = p + a2 * x2[b];
+      Vd p = coef[0] * x[0][b];
+      for (int k = 1; k < K; ++k) p = p + coef[k] * x[k][b];
       buffer[b] = p;
     }
   } else {
+    // Axis after axis through the buffer.
+    const Vd* x0 = c.Axis(0) + first;
+    const Vd a0 = Splat(a[0]);
     for (long b = 0; b < count; ++b) buffer[b] = a0 * x0[b];
-    for (int k = 1; k < axes; ++k) {
+    for (int k = 1; k < c.Axes; ++k) {
       const Vd* xk = c.Axis(k) + first;
       const Vd ak = Splat(a[k]);
       for (long b = 0; b < count; ++b) buffer[b] = buffer[b] + ak * xk[b];
@@ -183,6 +190,20 @@ void TestDirections(const Columns& sites, const Columns& samples, const std::vec
   }
 }
 
+// Calls body with std::integral_constant<int, axes> for 2 to kMaxFixedAxes
+// axes, and with 0 (the general loops) otherwise.
+template <int K = 2, typename Body>
+void Dispatch(int axes, Body&& body) {
+  if constexpr (K > kMaxFixedAxes) {
+    body(std::integral_constant<int, 0>{});
+  } else {
+    if (axes == K)
+      body(std::integral_constant<int, K>{});
+    else
+      Dispatch<K + 1>(axes, body);
+  }
+}
+
 void ClearMarks(Session& s) {
   s.SiteIsExtreme.ReDim(s.RefSiteCount);
   s.SampleIsOut.ReDim(s.FossilSampleCount);
@@ -259,17 +280,9 @@ void MarkEnvelope(Session& s, Progress& progress) {
     m.Extreme.assign(total.Extreme.size(), 0);
     m.OutLanes.assign(total.OutLanes.size(), Vm{});
     auto f = static_cast<std::int32_t>(first), l = static_cast<std::int32_t>(last);
-    switch (axes) {
-      case 2:
-        TestDirections<2>(sites, samples, dirs, tolerance, f, l, m);
-        break;
-      case 3:
-        TestDirections<3>(sites, samples, dirs, tolerance, f, l, m);
-        break;
-      default:
-        TestDirections<0>(sites, samples, dirs, tolerance, f, l, m);
-        break;
-    }
+    Dispatch(axes, [&](auto fixed) {
+      TestDirections<decltype(fixed)::value>(sites, samples, dirs, tolerance, f, l, m);
+    });
     std::lock_guard<std::mutex> lock(merge);
     for (std::size_t i = 0; i < m.Extreme.size(); ++i) total.Extreme[i] |= m.Extreme[i];
     for (std::size_t b = 0; b < m.OutLanes.size(); ++b) total.OutLanes[b] |= m.OutLanes[b];
