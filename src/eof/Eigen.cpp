@@ -1,9 +1,12 @@
 #include "eof/Eigen.h"
 
+#include <barrier>
 #include <chrono>
+#include <thread>
 #include <cmath>
 #include <vector>
 
+#include "eof/ScoreKernel.h"
 #include "state/Parallel.h"
 
 namespace varnoth {
@@ -131,7 +134,8 @@ void BuildMatrix(Session& s, const Array2<double>& X) {
 
 // Power iteration for all components on a transposed copy of the matrix, so
 // that A v runs as column updates vectorised across rows while each w(r)
-// keeps its sum over k in index order.
+// keeps its sum over k in index order. The rows of w are shared out among
+// the cores; the norm is summed by one thread, in row order.
 void PowerIterations(Session& s, Progress& progress) {
   const long n = s.EigenOrder;
   s.EigenWork.Require(n, n);
@@ -141,36 +145,56 @@ void PowerIterations(Session& s, Progress& progress) {
   for (long r = 1; r <= n; ++r)
     for (long k = 1; k <= n; ++k) AT[(k - 1) * nn + (r - 1)] = s.EigenWork(r, k);
   std::vector<double> v(nn), w(nn), vs(nn);
-  for (long c = 1; c <= n; ++c) {
-    progress.Step(c);
-    std::fill(v.begin(), v.end(), 0.0);
-    v[0] = 1;
-    double norm = 0;
-    for (int it = 0; it < 20; ++it) {
-      std::fill(w.begin(), w.end(), 0.0);
+  double norm = 0;
+
+  const unsigned workers = n >= 128 ? std::min(WorkerCount(), 4u) : 1u;
+  std::barrier sync(static_cast<std::ptrdiff_t>(workers));
+  auto work = [&](unsigned id) {
+    const std::size_t r0 = nn * id / workers, r1 = nn * (id + 1) / workers;
+    for (long c = 1; c <= n; ++c) {
+      if (id == 0) {
+        progress.Step(c);
+        std::fill(v.begin(), v.end(), 0.0);
+        v[0] = 1;
+      }
+      sync.arrive_and_wait();
+      for (int it = 0; it < 20; ++it) {
+        std::fill(w.begin() + static_cast<std::ptrdiff_t>(r0), w.begin() + static_cast<std::ptrdiff_t>(r1), 0.0);
+        for (std::size_t k = 0; k < nn; ++k) {
+          const double vk = v[k];
+          const double* a = AT.data() + k * nn;
+          for (std::size_t r = r0; r < r1; ++r) w[r] += vk * a[r];
+        }
+        sync.arrive_and_wait();
+        if (id == 0) {
+          double sq = 0;
+          for (std::size_t r = 0; r < nn; ++r) sq += w[r] * w[r];
+          norm = std::sqrt(sq);
+          if (norm == 0) {
+            std::fill(v.begin(), v.end(), 0.0);
+          } else {
+            for (std::size_t r = 0; r < nn; ++r) v[r] = w[r] / norm;
+          }
+          for (std::size_t r = 0; r < nn; ++r) vs[r] = v[r] * norm;
+        }
+        sync.arrive_and_wait();
+      }
       for (std::size_t k = 0; k < nn; ++k) {
         const double vk = v[k];
-        const double* a = AT.data() + k * nn;
-        for (std::size_t r = 0; r < nn; ++r) w[r] += vk * a[r];
+        double* a = AT.data() + k * nn;
+        for (std::size_t r = r0; r < r1; ++r) a[r] = a[r] - vs[r] * vk;
       }
-      double sq = 0;
-      for (std::size_t r = 0; r < nn; ++r) sq += w[r] * w[r];
-      norm = std::sqrt(sq);
-      if (norm == 0) {
-        std::fill(v.begin(), v.end(), 0.0);
-      } else {
-        for (std::size_t r = 0; r < nn; ++r) v[r] = w[r] / norm;
+      if (id == 0) {
+        s.EigenVectors(n + 1, c) = norm;
+        for (std::size_t r = 0; r < nn; ++r) s.EigenVectors(static_cast<long>(r) + 1, c) = v[r];
       }
+      sync.arrive_and_wait();
     }
-    s.EigenVectors(n + 1, c) = norm;
-    for (std::size_t r = 0; r < nn; ++r) s.EigenVectors(static_cast<long>(r) + 1, c) = v[r];
-    for (std::size_t r = 0; r < nn; ++r) vs[r] = v[r] * norm;
-    for (std::size_t k = 0; k < nn; ++k) {
-      const double vk = v[k];
-      double* a = AT.data() + k * nn;
-      for (std::size_t r = 0; r < nn; ++r) a[r] = a[r] - vs[r] * vk;
-    }
-  }
+  };
+  std::vector<std::thread> threads;
+  for (unsigned id = 1; id < workers; ++id) threads.emplace_back(work, id);
+  work(0);
+  for (auto& t : threads) t.join();
   for (long r = 1; r <= n; ++r)
     for (long k = 1; k <= n; ++k) s.EigenWork(r, k) = AT[(k - 1) * nn + (r - 1)];
 }
@@ -331,40 +355,25 @@ void ComputeBaseScores(Session& s, const Array2<double>& X) {
     s.ColumnMean(0, j) = mean[j];
     s.ColumnStd(0, j) = dev[j];
   }
-  const std::size_t stride = static_cast<std::size_t>(n + 1);
-  std::vector<double> Z(static_cast<std::size_t>(m + 1) * stride, 0.0);
+  Array2<double> Z(m, n);
   for (long r = 1; r <= m; ++r) {
     const double* x = X.Row(r, n);
-    double* z = Z.data() + r * stride;
+    double* z = Z.Row(r, n);
     for (long j = 1; j <= n; ++j) z[j] = dev[j] == 0 ? 0 : (x[j] - mean[j]) / dev[j];
   }
-  std::vector<double> zsum(stride, 0.0);
-  for (long r = 1; r <= m; ++r)
-    for (long j = 1; j <= n; ++j) zsum[j] += Z[r * stride + j];
+  std::vector<double> zsum(static_cast<std::size_t>(n + 1), 0.0);
+  for (long r = 1; r <= m; ++r) {
+    const double* z = Z.Row(r, n);
+    for (long j = 1; j <= n; ++j) zsum[j] += z[j];
+  }
   for (long j = 1; j <= n; ++j) s.ColumnMean(1, j) = Div(zsum[j], m);
 
   Array2<double>& raw = s.ReferenceIsBase ? s.RefScoreRaw : s.FossilScoreRaw;
   Array2<double>& scores = s.ReferenceIsBase ? s.RefScores : s.FossilScores;
-  raw.Require(m, n);
-  scores.Require(m, n);
-  s.EigenVectors.Require(n, n);
-  std::vector<double> centre(stride);
+  std::vector<double> centre(static_cast<std::size_t>(n + 1));
   for (long j = 1; j <= n; ++j) centre[j] = s.ColumnMean(1, j);
-  ParallelRows(1, m, 64, [&](long r0, long r1) {
-    std::vector<double> zc(stride), acc(stride);
-    for (long r = r0; r <= r1; ++r) {
-      const double* z = Z.data() + r * stride;
-      for (long j = 1; j <= n; ++j) zc[j] = z[j] - centre[j];
-      std::fill(acc.begin(), acc.end(), 0.0);
-      for (long j = 1; j <= n; ++j) {
-        const double f = zc[j];
-        const double* e = s.EigenVectors.Data() + j * stride;
-        for (long c = 1; c <= n; ++c) acc[c] += f * e[c];
-      }
-      double* out = raw.Data() + r * stride;
-      for (long c = 1; c <= n; ++c) out[c] = acc[c];
-    }
-  });
+  ProjectRows(Z, m, n, centre, s.EigenVectors, raw);
+  scores.Require(m, n);
   for (long c = 1; c <= n; ++c) {
     double mu, sd;
     MeanAndDeviation(m, [&](long r) { return raw(r, c); }, mu, sd);

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <vector>
 
-#include "state/Parallel.h"
+#include "eof/ScoreKernel.h"
 
 namespace varnoth {
 
@@ -28,26 +28,9 @@ void DoProjection(Session& s, Progress& progress) {
   s.FossilScoreRaw.ReDim(f, n);
   // The reference centre is subtracted, not the fossil's own, so that a
   // sample's distance from the modern centre stays in its score.
-  const std::size_t stride = static_cast<std::size_t>(n + 1);
-  s.EigenVectors.Require(n, n);
-  const std::size_t evStride = s.EigenVectors.Cols();
-  std::vector<double> centre(stride);
+  std::vector<double> centre(static_cast<std::size_t>(n + 1));
   for (long j = 1; j <= n; ++j) centre[j] = s.ColumnMean(1, j);
-  ParallelRows(1, f, 64, [&](long i0, long i1) {
-    std::vector<double> zc(stride), acc(stride);
-    for (long i = i0; i <= i1; ++i) {
-      const double* z = s.FossilStandardised.Data() + i * stride;
-      for (long j = 1; j <= n; ++j) zc[j] = z[j] - centre[j];
-      std::fill(acc.begin(), acc.end(), 0.0);
-      for (long j = 1; j <= n; ++j) {
-        const double v = zc[j];
-        const double* e = s.EigenVectors.Data() + j * evStride;
-        for (long c = 1; c <= n; ++c) acc[c] += v * e[c];
-      }
-      double* out = s.FossilScoreRaw.Data() + i * stride;
-      for (long c = 1; c <= n; ++c) out[c] = acc[c];
-    }
-  });
+  ProjectRows(s.FossilStandardised, f, n, centre, s.EigenVectors, s.FossilScoreRaw);
   progress.Step(n);
   // Own statistics of the fossil scores, used below as the zero test alone.
   for (long c = 1; c <= n; ++c) {

@@ -135,6 +135,15 @@ TEST(Eigen, FastAnalysisEqualsLiteralOnVariedTables) {
   }
 }
 
+// Wide enough that the power iteration shares its rows among the cores.
+TEST(Eigen, FastAnalysisEqualsLiteralOnAWideTable) {
+  std::string t = MakeTable(150, 160, true, [](int i, int j) {
+    return static_cast<double>((i * 37 + j * 11 + (i * j) % 7) % 29) / 4;
+  });
+  PreTreatmentSettings p;
+  CompareWithLiteral(t, p);
+}
+
 TEST(Eigen, FastAnalysisEqualsLiteralWithAFossilBase) {
   std::string t = MakeTable(6, 15, false, Varied);
   CompareWithLiteral(t, PreTreatmentSettings{});

@@ -1,0 +1,13 @@
+#pragma once
+// Scores of standardised rows on the eigenvectors: raw(i, c) = the sum over
+// j = 1..n, in that order, of (Z(i, j) - centre(j)) * E(j, c).
+#include <vector>
+
+#include "state/Array.h"
+
+namespace varnoth {
+
+void ProjectRows(const Array2<double>& Z, long rows, long n, const std::vector<double>& centre,
+                 const Array2<double>& E, Array2<double>& raw);
+
+}  // namespace varnoth
