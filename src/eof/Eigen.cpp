@@ -6,6 +6,7 @@
 #include <cmath>
 #include <vector>
 
+#include "eof/Kernels.h"
 #include "eof/ScoreKernel.h"
 #include "state/Parallel.h"
 
@@ -32,6 +33,30 @@ void MeanAndDeviation(long count, F value, double& mean, double& deviation) {
     squares += d * d;
   }
   deviation = std::sqrt(Div(squares, count));
+}
+
+// Mean and population deviation of columns 1..n over rows 1..rows, walking
+// the rows so that memory is read in order; each column still sums its rows
+// in index order.
+void ColumnStatistics(const Array2<double>& A, long rows, long n, std::vector<double>& mean,
+                      std::vector<double>& deviation) {
+  A.Require(rows, n);
+  mean.assign(static_cast<std::size_t>(n + 1), 0.0);
+  deviation.assign(static_cast<std::size_t>(n + 1), 0.0);
+  std::vector<double> sum(static_cast<std::size_t>(n + 1), 0.0), squares(sum);
+  for (long r = 1; r <= rows; ++r) {
+    const double* a = A.Row(r, n);
+    for (long j = 1; j <= n; ++j) sum[j] += a[j];
+  }
+  for (long j = 1; j <= n; ++j) mean[j] = Div(sum[j], rows);
+  for (long r = 1; r <= rows; ++r) {
+    const double* a = A.Row(r, n);
+    for (long j = 1; j <= n; ++j) {
+      double d = a[j] - mean[j];
+      squares[j] += d * d;
+    }
+  }
+  for (long j = 1; j <= n; ++j) deviation[j] = std::sqrt(Div(squares[j], rows));
 }
 
 // The sort of PowerEigen: j walks up while neighbours are in order; a swap
@@ -78,11 +103,9 @@ void CrossProducts(const std::vector<double>& D, long rows, long n, std::vector<
         for (long r = 1; r <= rows; ++r) {
           const double* d = D.data() + r * stride;
           const double* dj = d + j0;
-          for (long ii = 0; ii < bi; ++ii) {
-            double di = d[i0 + ii];
-            double* a = acc.data() + ii * kBlockJ;
-            for (long jj = 0; jj < bj; ++jj) a[jj] += di * dj[jj];
-          }
+          for (long ii = 0; ii < bi; ++ii)
+            kernels::AddScaled(acc.data() + ii * kBlockJ, dj, d[i0 + ii],
+                               static_cast<std::size_t>(bj));
         }
         for (long ii = 0; ii < bi; ++ii)
           for (long jj = 0; jj < bj; ++jj) {
@@ -160,11 +183,8 @@ void PowerIterations(Session& s, Progress& progress) {
       sync.arrive_and_wait();
       for (int it = 0; it < 20; ++it) {
         std::fill(w.begin() + static_cast<std::ptrdiff_t>(r0), w.begin() + static_cast<std::ptrdiff_t>(r1), 0.0);
-        for (std::size_t k = 0; k < nn; ++k) {
-          const double vk = v[k];
-          const double* a = AT.data() + k * nn;
-          for (std::size_t r = r0; r < r1; ++r) w[r] += vk * a[r];
-        }
+        for (std::size_t k = 0; k < nn; ++k)
+          kernels::AddScaled(w.data() + r0, AT.data() + k * nn + r0, v[k], r1 - r0);
         sync.arrive_and_wait();
         if (id == 0) {
           double sq = 0;
@@ -179,11 +199,8 @@ void PowerIterations(Session& s, Progress& progress) {
         }
         sync.arrive_and_wait();
       }
-      for (std::size_t k = 0; k < nn; ++k) {
-        const double vk = v[k];
-        double* a = AT.data() + k * nn;
-        for (std::size_t r = r0; r < r1; ++r) a[r] = a[r] - vs[r] * vk;
-      }
+      for (std::size_t k = 0; k < nn; ++k)
+        kernels::SubtractScaled(AT.data() + k * nn + r0, vs.data() + r0, v[k], r1 - r0);
       if (id == 0) {
         s.EigenVectors(n + 1, c) = norm;
         for (std::size_t r = 0; r < nn; ++r) s.EigenVectors(static_cast<long>(r) + 1, c) = v[r];
@@ -349,9 +366,9 @@ void ComputeBaseScores(Session& s, const Array2<double>& X) {
   const long n = s.TaxaCount, m = s.BaseRowCount;
   X.Require(m, n);
   // Data statistics per taxon, and the standardised table.
-  std::vector<double> mean(static_cast<std::size_t>(n + 1)), dev(static_cast<std::size_t>(n + 1));
+  std::vector<double> mean, dev;
+  ColumnStatistics(X, m, n, mean, dev);
   for (long j = 1; j <= n; ++j) {
-    MeanAndDeviation(m, [&](long r) { return X(r, j); }, mean[j], dev[j]);
     s.ColumnMean(0, j) = mean[j];
     s.ColumnStd(0, j) = dev[j];
   }
@@ -374,12 +391,16 @@ void ComputeBaseScores(Session& s, const Array2<double>& X) {
   for (long j = 1; j <= n; ++j) centre[j] = s.ColumnMean(1, j);
   ProjectRows(Z, m, n, centre, s.EigenVectors, raw);
   scores.Require(m, n);
+  std::vector<double> mu, sd;
+  ColumnStatistics(raw, m, n, mu, sd);
   for (long c = 1; c <= n; ++c) {
-    double mu, sd;
-    MeanAndDeviation(m, [&](long r) { return raw(r, c); }, mu, sd);
-    s.ColumnMean(2, c) = mu;
-    s.ColumnStd(2, c) = sd;
-    for (long r = 1; r <= m; ++r) scores(r, c) = sd == 0 ? 0 : (raw(r, c) - mu) / sd;
+    s.ColumnMean(2, c) = mu[c];
+    s.ColumnStd(2, c) = sd[c];
+  }
+  for (long r = 1; r <= m; ++r) {
+    const double* in = raw.Row(r, n);
+    double* out = scores.Row(r, n);
+    for (long c = 1; c <= n; ++c) out[c] = sd[c] == 0 ? 0 : (in[c] - mu[c]) / sd[c];
   }
 }
 

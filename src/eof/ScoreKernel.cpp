@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "eof/Kernels.h"
 #include "state/Parallel.h"
 
 namespace varnoth {
@@ -28,11 +29,9 @@ void ProjectRows(const Array2<double>& Z, long rows, long n, const std::vector<d
       std::fill(acc.begin(), acc.end(), 0.0);
       for (long j = 1; j <= n; ++j) {
         const double* e = E.Data() + static_cast<std::size_t>(j) * eStride;
-        for (long k = 0; k < b; ++k) {
-          const double f = zc[k * (n + 1) + j];
-          double* a = acc.data() + k * (n + 1);
-          for (long c = 1; c <= n; ++c) a[c] += f * e[c];
-        }
+        for (long k = 0; k < b; ++k)
+          kernels::AddScaled(acc.data() + k * (n + 1) + 1, e + 1, zc[k * (n + 1) + j],
+                             static_cast<std::size_t>(n));
       }
       for (long k = 0; k < b; ++k) {
         double* out = raw.Data() + static_cast<std::size_t>(i0 + k) * rStride;
