@@ -11,6 +11,7 @@
 #include "Synthetic.h"
 #include "reconstruction/AnalogueSearch.h"
 #include "reconstruction/NearestSites.h"
+#include "state/Parallel.h"
 
 using namespace varnoth;
 
@@ -57,10 +58,12 @@ AnalogueSettings Settings() {
   return st;
 }
 
-void Flops(benchmark::State& state, double rows) {
+void Flops(benchmark::State& state, double rows, bool scalar = false) {
   state.counters["GFLOPs"] = benchmark::Counter(3.0 * rows * kSites * kTaxa / 1e9,
                                                 benchmark::Counter::kIsIterationInvariantRate);
-  state.SetLabel(analogue::NearestKernelName());
+  state.SetLabel(scalar ? std::string("scalar, 1 thread")
+                        : std::string(analogue::NearestKernelName()) + ", " +
+                              std::to_string(WorkerCount()) + " threads");
 }
 
 void BM_RunReconstruction(benchmark::State& state) {
@@ -82,7 +85,7 @@ void BM_RunReconstructionScalar(benchmark::State& state) {
     RunReconstructionLiteral(s, st, progress);
     benchmark::DoNotOptimize(s.ReconValue.Data());
   }
-  Flops(state, kSamples);
+  Flops(state, kSamples, true);
 }
 
 void BM_GenerateErrorModel(benchmark::State& state) {
@@ -104,7 +107,7 @@ void BM_GenerateErrorModelScalar(benchmark::State& state) {
     GenerateErrorModelLiteral(s, st, progress);
     benchmark::DoNotOptimize(s.ReconRefValue.Data());
   }
-  Flops(state, kSites);
+  Flops(state, kSites, true);
 }
 
 }  // namespace

@@ -51,7 +51,8 @@ double Transform(double x, AnalogueEnhance e) {
 
 // The compared rows of the reference sites and of the targets (the fossil
 // samples, or the reference sites again for the error model).
-CompareRows Prepare(const Session& s, const AnalogueSettings& st, bool fossilTargets) {
+CompareRows Prepare(const Session& s, const AnalogueSettings& st, bool fossilTargets,
+                    bool parallel) {
   CompareRows c;
   const long sites = s.RefSiteCount;
   const long targets = fossilTargets ? s.FossilSampleCount : sites;
@@ -80,13 +81,17 @@ CompareRows Prepare(const Session& s, const AnalogueSettings& st, bool fossilTar
     out.assign(static_cast<std::size_t>(rows) * c.columns, 0.0);
     if (rows > 0) data.Require(rows, taxa);
     // The power function dominates this step on large tables: share it out.
-    ParallelRows(1, rows, 256, [&](long first, long last) {
+    auto rowsOf = [&](long first, long last) {
       for (long i = first; i <= last; ++i) {
         const double* row = data.Row(i, taxa);
         double* dst = out.data() + (i - 1) * c.columns;
         for (long k = 1; k <= taxa; ++k) dst[k - 1] = Transform(row[k], st.Enhance);
       }
-    });
+    };
+    if (parallel)
+      ParallelRows(1, rows, 256, rowsOf);
+    else
+      rowsOf(1, rows);
   };
   fill(s.RefProportion, sites, c.ref);
   if (fossilTargets)
@@ -258,7 +263,7 @@ void Reconstruct(Session& s, const AnalogueSettings& st, Progress& progress, boo
   if (samples > 0 && s.RefSiteCount > 0)
     s.ClimateData.Require(s.RefSiteCount, std::max(1L, params));
 
-  CompareRows c = Prepare(s, st, true);
+  CompareRows c = Prepare(s, st, true, !literal);
   if (literal || MightOverflowSingle(c))
     LiteralLists(s, st, c, samples, s.AnalogueDistance, s.AnalogueSite, progress);
   else
@@ -306,7 +311,7 @@ void ErrorModel(Session& s, const AnalogueSettings& st, Progress& progress, bool
   Array2<Count> site(sites, kMaxRanks);
   if (sites > 0) s.ClimateData.Require(sites, std::max(1L, params));
 
-  CompareRows c = Prepare(s, st, false);
+  CompareRows c = Prepare(s, st, false, !literal);
   if (literal || MightOverflowSingle(c))
     LiteralLists(s, st, c, sites, dist, site, progress);
   else

@@ -129,8 +129,8 @@ void ReadClimate(Session& s, const std::string& path, Dialogs& dialogs) {
 
 }  // namespace
 
-ClimateImportResult InportClimateData(Session& s, const std::optional<std::string>& path,
-                                      Dialogs& dialogs) {
+ClimateImportResult Inport_climate_data(Session& s, const std::optional<std::string>& path,
+                                        Dialogs& dialogs) {
   ClimateImportResult result;
   if (s.ClimateLoaded) {
     result.Ok = result.AlreadyLoaded = true;

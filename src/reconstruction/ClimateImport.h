@@ -30,8 +30,8 @@ inline constexpr const char* kSiteNumberMessage = "Site number inconsistent.";
 // reference's. Only a complete read sets ClimateLoaded; after a failure the
 // count and names read so far stay, without effect. The window then fills
 // its parameter list, enables its controls and runs the reconstruction.
-ClimateImportResult InportClimateData(Session& s, const std::optional<std::string>& path,
-                                      Dialogs& dialogs);
+ClimateImportResult Inport_climate_data(Session& s, const std::optional<std::string>& path,
+                                        Dialogs& dialogs);
 
 struct EstObsResult {
   bool Ok = false;

@@ -73,7 +73,7 @@ struct EngineRoad {
     EXPECT_TRUE(ImportReference(s, Ex("reference.csv"), dialogs, progress).Ok);
     ApplyPreTreatment(s, p, progress);
     EXPECT_TRUE(ImportFossil(s, Ex("fossil.csv"), dialogs, progress).Ok);
-    EXPECT_TRUE(InportClimateData(s, Ex("climate.csv"), dialogs).Ok);
+    EXPECT_TRUE(Inport_climate_data(s, Ex("climate.csv"), dialogs).Ok);
   }
   void Compare(const TempDir& work, const AnalogueSettings& st, const std::string& parameter,
                bool errorModel) {

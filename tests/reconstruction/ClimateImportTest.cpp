@@ -26,7 +26,7 @@ struct ClimateFixture : ::testing::Test {
     for (int i = 1; i <= n; ++i) s.RefSiteNames(i) = prefix + std::to_string(i);
   }
   ClimateImportResult Read(const std::string& content) {
-    return InportClimateData(s, dir.Write("climate.csv", content), dialogs);
+    return Inport_climate_data(s, dir.Write("climate.csv", content), dialogs);
   }
 };
 
@@ -83,7 +83,7 @@ TEST_F(ClimateFixture, OneParameterIsDetected) {
   numeric.RefSiteCount = 3;
   numeric.RefSiteNames.ReDim(3);
   for (int i = 1; i <= 3; ++i) numeric.RefSiteNames(i) = std::to_string(i);
-  auto r = InportClimateData(numeric, dir.Write("n.csv", "No,T\n1,4\n2,5\n3,6\n"), dialogs);
+  auto r = Inport_climate_data(numeric, dir.Write("n.csv", "No,T\n1,4\n2,5\n3,6\n"), dialogs);
   ASSERT_TRUE(r.Ok);
   EXPECT_EQ(numeric.ClimateParamCount, 1);
   EXPECT_EQ(numeric.ClimateData(2, 1), 5);
@@ -154,7 +154,7 @@ TEST_F(ClimateFixture, BlankCellInRowsOneAndTwoReadsAsZero) {
   other.RefSiteCount = 3;
   other.RefSiteNames = s.RefSiteNames;
   ASSERT_TRUE(
-      InportClimateData(other, dir.Write("b.csv", "Site,T,P\nS1,1,\nS2,3,4\nS3,5,6\n"), dialogs)
+      Inport_climate_data(other, dir.Write("b.csv", "Site,T,P\nS1,1,\nS2,3,4\nS3,5,6\n"), dialogs)
           .Ok);
   EXPECT_EQ(other.ClimateData(1, 2), 0);
   EXPECT_TRUE(dialogs.Messages.empty());
@@ -183,10 +183,10 @@ TEST_F(ClimateFixture, FewerRowsThanSitesFailAtTheEnd) {
 
 TEST_F(ClimateFixture, CancelAndUnreadableFilesChangeNothing) {
   Sites(2);
-  auto r = InportClimateData(s, std::nullopt, dialogs);
+  auto r = Inport_climate_data(s, std::nullopt, dialogs);
   EXPECT_FALSE(r.Ok);
   EXPECT_EQ(*r.Failure, FailureKind::Cancelled);
-  r = InportClimateData(s, dir.Path("missing.csv"), dialogs);
+  r = Inport_climate_data(s, dir.Path("missing.csv"), dialogs);
   EXPECT_FALSE(r.Ok);
   EXPECT_EQ(*r.Failure, FailureKind::FileNotFound);
   EXPECT_FALSE(s.ClimateLoaded);
@@ -198,7 +198,7 @@ TEST_F(ClimateFixture, GarbageAndShortFilesFailWithoutLoading) {
   Sites(2);
   for (const char* content : {"", "just words", "a,b,c\nd,e,f\n", "Site,T\nS1"}) {
     Session fresh = s;
-    auto r = InportClimateData(fresh, dir.Write("g.csv", content), dialogs);
+    auto r = Inport_climate_data(fresh, dir.Write("g.csv", content), dialogs);
     EXPECT_FALSE(r.Ok) << content;
     EXPECT_FALSE(fresh.ClimateLoaded) << content;
     EXPECT_FALSE(fresh.ClimateData.Allocated()) << content;
@@ -208,7 +208,7 @@ TEST_F(ClimateFixture, GarbageAndShortFilesFailWithoutLoading) {
 TEST_F(ClimateFixture, ASecondImportReadsNothing) {
   Sites(2);
   ASSERT_TRUE(Read("Site,T\nS1,1\nS2,2\n").Ok);
-  auto r = InportClimateData(s, dir.Write("other.csv", "Site,X\nS1,7\nS2,8\n"), dialogs);
+  auto r = Inport_climate_data(s, dir.Write("other.csv", "Site,X\nS1,7\nS2,8\n"), dialogs);
   EXPECT_TRUE(r.Ok);
   EXPECT_TRUE(r.AlreadyLoaded);
   EXPECT_EQ(s.ClimateParamNames(1), "T");
@@ -233,7 +233,7 @@ TEST_F(ClimateFixture, FileWrittenByTheRecordWriterReadsBackIdentically) {
     w.End();
   }
   w.Save(dir.Path("written.csv"));
-  ASSERT_TRUE(InportClimateData(s, dir.Path("written.csv"), dialogs).Ok);
+  ASSERT_TRUE(Inport_climate_data(s, dir.Path("written.csv"), dialogs).Ok);
   EXPECT_EQ(s.ClimateParamCount, params);
   for (int i = 1; i <= sites; ++i)
     for (int q = 1; q <= params; ++q)
@@ -249,7 +249,7 @@ TEST_F(ClimateFixture, ExampleClimateFile) {
     s.RefSiteNames(i) = std::string(ref.Next());
     for (int c = 0; c < 22; ++c) ref.Next();
   }
-  ASSERT_TRUE(InportClimateData(s, Example("climate.csv"), dialogs).Ok);
+  ASSERT_TRUE(Inport_climate_data(s, Example("climate.csv"), dialogs).Ok);
   EXPECT_EQ(s.ClimateParamCount, 3);
   EXPECT_EQ(s.ClimateParamNames(1), "SumSST");
   EXPECT_EQ(s.ClimateData(1, 3), 33.7);

@@ -131,7 +131,7 @@ void RunReconstructionStep(Context& c) {
   if (!s.EofDone || !s.ProjectionDone)
     Stop("The reconstruction needs the EOF analysis of both tables.");
   const std::string path = c.Opts.Get("--climate");
-  ClimateImportResult imported = InportClimateData(s, path, c.Dialogs);
+  ClimateImportResult imported = Inport_climate_data(s, path, c.Dialogs);
   if (!imported.Ok) {
     if (imported.Failure == FailureKind::FileNotFound)
       Stop("Cannot read the climate file " + path + ".");
