@@ -241,6 +241,34 @@ void FastLists(const Session& s, const AnalogueSettings& st, const CompareRows& 
   }
 }
 
+// The error model's lists: the sites among themselves, each pair once.
+void FastSelfLists(const Session& s, const AnalogueSettings& st, const CompareRows& c,
+                   Array2<float>& dist, Array2<Count>& site, Progress& progress) {
+  const long sites = s.RefSiteCount;
+  std::vector<unsigned char> eligible(static_cast<std::size_t>(sites));
+  for (long i = 1; i <= sites; ++i) eligible[i - 1] = s.ClimateData(i, 1) != kMissing;
+  const int ranks = st.MaxAnalogues;
+  std::vector<float> key(static_cast<std::size_t>(sites) * ranks);
+  std::vector<int> chosen(static_cast<std::size_t>(sites) * ranks);
+  analogue::SelfInput in;
+  in.Columns = c.columns;
+  in.Rows = c.ref.data();
+  in.Count = sites;
+  in.Eligible = eligible.data();
+  in.ColumnWeights = c.weights.empty() ? nullptr : c.weights.data();
+  in.Ranks = ranks;
+  analogue::FindNearestAmongThemselves(in, key.data(), chosen.data(),
+                                       [&](long done) { progress.Step(done); });
+  for (long t = 1; t <= sites; ++t) {
+    float* drow = dist.Row(t, ranks);
+    Count* srow = site.Row(t, ranks);
+    for (int r = 1; r <= ranks; ++r) {
+      drow[r] = key[(t - 1) * ranks + r - 1];
+      srow[r] = static_cast<Count>(chosen[(t - 1) * ranks + r - 1]);
+    }
+  }
+}
+
 // Ends the progress display whatever the outcome.
 struct ProgressGuard {
   Progress& p;
@@ -315,7 +343,7 @@ void ErrorModel(Session& s, const AnalogueSettings& st, Progress& progress, bool
   if (literal || MightOverflowSingle(c))
     LiteralLists(s, st, c, sites, dist, site, progress);
   else
-    FastLists(s, st, c, sites, dist, site, progress);
+    FastSelfLists(s, st, c, dist, site, progress);
   for (long t = 1; t <= sites; ++t)
     Estimate(s, st, true, dist.Row(t, st.MaxAnalogues), site.Row(t, kMaxRanks), st.MaxAnalogues,
              s.ReconRefValue.Row(t, params));

@@ -87,6 +87,13 @@ template <bool Weighted>
   }
 }
 
+#ifdef VARNOTH_X86
+bool HasAvx2() {
+  static const bool has = __builtin_cpu_supports("avx2");
+  return has;
+}
+#endif
+
 inline bool AnyLane(I4 m) {
 #ifdef VARNOTH_X86
   return _mm_movemask_ps(reinterpret_cast<__m128>(m)) != 0;
@@ -185,9 +192,134 @@ template <bool Weighted>
   SearchRangeBody<Weighted>(w, first, last, outKey, outSite, progress);
 }
 
-bool HasAvx2() {
-  static const bool has = __builtin_cpu_supports("avx2");
-  return has;
+#endif
+
+// The search of the sites among themselves. Rows are taken in blocks of 64
+// sites; a block meets the panels of its own sites (both ways round, so only
+// its own lists take those) and every later panel (each pair once, offered
+// to both lists). Each thread keeps lists for all sites; they are merged at
+// the end, which the strict order of (distance, site) makes exact.
+constexpr long kSelfBlock = 64;  // rows per block: 16 micro blocks, 8 panels
+
+struct SelfWork {
+  const SelfInput* in;
+  const double* panels;  // all sites as panels [panel][column][8]
+  const double* blocks;  // all sites as micro blocks [micro][column][4]
+  long panelCount, microCount, blockCount;
+  std::atomic<long>* next;  // the next row block to take
+  std::atomic<long>* done;  // pairs of panels done, for progress
+};
+
+struct SelfLists {
+  explicit SelfLists(long sites, int ranks)
+      : key(static_cast<std::size_t>(sites) * ranks, kNoDistance),
+        site(static_cast<std::size_t>(sites) * ranks, -1),
+        bound(static_cast<std::size_t>(sites), kNoDistance) {}
+  std::vector<float> key;
+  std::vector<int> site;
+  std::vector<float> bound;  // the last key of each list, read by the filters
+};
+
+inline void OfferRow(SelfLists& lists, int ranks, long row, float k, int candidate) {
+  float* key = lists.key.data() + row * ranks;
+  int* site = lists.site.data() + row * ranks;
+  Insert(key, site, ranks, k, candidate);
+  lists.bound[static_cast<std::size_t>(row)] = key[ranks - 1];
+}
+
+template <bool Weighted>
+[[gnu::always_inline]] inline void SelfBody(const SelfWork& w, SelfLists& lists, bool reports,
+                                            const std::function<void(long)>* progress) {
+  const SelfInput& in = *w.in;
+  const int columns = in.Columns, ranks = in.Ranks;
+  const long count = in.Count;
+  const unsigned char* eligible = in.Eligible;
+  double lanes[kBlock][kPanel];
+  const long totalWork = w.blockCount * (w.blockCount + 1) / 2;
+  for (;;) {
+    const long b = w.next->fetch_add(1);
+    if (b >= w.blockCount) break;
+    const long firstMicro = b * (kSelfBlock / kBlock);
+    const long lastMicro = std::min(w.microCount, firstMicro + kSelfBlock / kBlock) - 1;
+    const long firstPanel = b * (kSelfBlock / kPanel);
+    const long ownPanelsEnd = std::min(w.panelCount, firstPanel + kSelfBlock / kPanel);
+    for (long p = firstPanel; p < w.panelCount; ++p) {
+      const double* panel = w.panels + p * kPanel * columns;
+      const bool both = p >= ownPanelsEnd;
+      const long col0 = p * kPanel;
+      for (long m = firstMicro; m <= lastMicro; ++m) {
+        V4 acc[4][2];
+        MicroTile<Weighted>(panel, w.blocks + m * kBlock * columns, in.ColumnWeights, columns, acc);
+        bool copied = false;
+        auto copy = [&] {
+          if (copied) return;
+          for (int t = 0; t < kBlock; ++t) {
+            std::memcpy(lanes[t], &acc[t][0], sizeof(V4));
+            std::memcpy(lanes[t] + 4, &acc[t][1], sizeof(V4));
+          }
+          copied = true;
+        };
+        F4 lo[4], hi[4];
+        for (int t = 0; t < kBlock; ++t) {
+          lo[t] = __builtin_convertvector(acc[t][0], F4);
+          hi[t] = __builtin_convertvector(acc[t][1], F4);
+        }
+        // The rows' own lists: candidates are the panel's sites.
+        for (int t = 0; t < kBlock; ++t) {
+          const long row = m * kBlock + t;
+          if (row >= count) break;
+          const float last_ = lists.bound[static_cast<std::size_t>(row)];
+          const F4 bound = {last_, last_, last_, last_};
+          if (!AnyLane((lo[t] <= bound) | (hi[t] <= bound))) continue;
+          copy();
+          for (int l = 0; l < kPanel; ++l) {
+            const long col = col0 + l;
+            const double d = lanes[t][l];
+            if (d == 0.0 || col >= count || !eligible[col]) continue;
+            OfferRow(lists, ranks, row, static_cast<float>(d), static_cast<int>(col + 1));
+          }
+        }
+        if (!both) continue;
+        // The panel's lists: candidates are the block's rows.
+        F4 lowLo = lo[0], lowHi = hi[0];
+        for (int t = 1; t < kBlock; ++t) {
+          lowLo = lowLo < lo[t] ? lowLo : lo[t];
+          lowHi = lowHi < hi[t] ? lowHi : hi[t];
+        }
+        F4 boundLo, boundHi;
+        std::memcpy(&boundLo, lists.bound.data() + col0, sizeof(F4));
+        std::memcpy(&boundHi, lists.bound.data() + col0 + 4, sizeof(F4));
+        if (!AnyLane((lowLo <= boundLo) | (lowHi <= boundHi))) continue;
+        copy();
+        for (int l = 0; l < kPanel; ++l) {
+          const long col = col0 + l;
+          if (col >= count) break;
+          for (int t = 0; t < kBlock; ++t) {
+            const long row = m * kBlock + t;
+            const double d = lanes[t][l];
+            if (d == 0.0 || row >= count || !eligible[row]) continue;
+            OfferRow(lists, ranks, col, static_cast<float>(d), static_cast<int>(row + 1));
+          }
+        }
+      }
+    }
+    const long work = w.blockCount - b;
+    const long total = w.done->fetch_add(work) + work;
+    if (reports && progress && *progress) (*progress)(count * total / std::max(1L, totalWork));
+  }
+}
+
+template <bool Weighted>
+void SelfGeneric(const SelfWork& w, SelfLists& lists, bool reports,
+                 const std::function<void(long)>* progress) {
+  SelfBody<Weighted>(w, lists, reports, progress);
+}
+
+#ifdef VARNOTH_X86
+template <bool Weighted>
+[[gnu::target("avx2")]] void SelfAvx2(const SelfWork& w, SelfLists& lists, bool reports,
+                                      const std::function<void(long)>* progress) {
+  SelfBody<Weighted>(w, lists, reports, progress);
 }
 #endif
 
@@ -251,6 +383,76 @@ void FindNearest(const NearestInput& in, float* Key, int* Site,
       SearchRangeGeneric<false>(w, first, last, Key, Site, &report);
   });
   if (progress) progress(in.TargetCount);
+}
+
+void FindNearestAmongThemselves(const SelfInput& in, float* Key, int* Site,
+                                const std::function<void(long)>& progress) {
+  const int columns = std::max(1, in.Columns);
+  const long count = in.Count;
+  const long panelCount = (count + kPanel - 1) / kPanel;
+  const long microCount = (count + kBlock - 1) / kBlock;
+  const long blockCount = (count + kSelfBlock - 1) / kSelfBlock;
+  // Every site both as a panel lane (NaN padding, never chosen) and as a
+  // micro block row (zero padding, never offered).
+  AlignedDoubles panels(static_cast<std::size_t>(std::max(1L, panelCount)) * kPanel * columns);
+  AlignedDoubles blocks(static_cast<std::size_t>(std::max(1L, microCount)) * kBlock * columns);
+  for (long r = 0; r < panelCount * kPanel; ++r) {
+    double* dst = panels.data + (r / kPanel) * kPanel * columns + r % kPanel;
+    for (int k = 0; k < in.Columns; ++k)
+      dst[k * kPanel] =
+          r < count ? in.Rows[r * in.Columns + k] : std::numeric_limits<double>::quiet_NaN();
+  }
+  for (long r = 0; r < microCount * kBlock; ++r) {
+    double* dst = blocks.data + (r / kBlock) * kBlock * columns + r % kBlock;
+    for (int k = 0; k < in.Columns; ++k)
+      dst[k * kBlock] = r < count ? in.Rows[r * in.Columns + k] : 0.0;
+  }
+  std::atomic<long> next{0}, done{0};
+  SelfWork w{&in, panels.data, blocks.data, panelCount, microCount, blockCount, &next, &done};
+  const unsigned workers = std::max(
+      1u, std::min<unsigned>(WorkerCount(), static_cast<unsigned>(std::max(1L, blockCount))));
+  // The bound filter reads whole panels: room for the padding lanes.
+  std::vector<SelfLists> lists;
+  lists.reserve(workers);
+  for (unsigned t = 0; t < workers; ++t) lists.emplace_back(panelCount * kPanel, in.Ranks);
+  const bool weighted = in.ColumnWeights != nullptr;
+  ParallelRows(0, static_cast<long>(workers) - 1, 1, [&](long first, long last) {
+    for (long t = first; t <= last; ++t) {
+      SelfLists& own = lists[static_cast<std::size_t>(t)];
+      const bool reports = t == 0;
+#ifdef VARNOTH_X86
+      if (HasAvx2()) {
+        if (weighted)
+          SelfAvx2<true>(w, own, reports, &progress);
+        else
+          SelfAvx2<false>(w, own, reports, &progress);
+        continue;
+      }
+#endif
+      if (weighted)
+        SelfGeneric<true>(w, own, reports, &progress);
+      else
+        SelfGeneric<false>(w, own, reports, &progress);
+    }
+  });
+  // Merge the threads' lists into the first.
+  const int ranks = in.Ranks;
+  SelfLists& all = lists[0];
+  for (unsigned t = 1; t < workers; ++t)
+    for (long r = 0; r < count; ++r)
+      for (int q = 0; q < ranks; ++q) {
+        const std::size_t at = static_cast<std::size_t>(r) * ranks + q;
+        if (lists[t].site[at] < 0) break;
+        Insert(all.key.data() + r * ranks, all.site.data() + r * ranks, ranks, lists[t].key[at],
+               lists[t].site[at]);
+      }
+  for (long r = 0; r < count; ++r)
+    for (int q = 0; q < ranks; ++q) {
+      const std::size_t at = static_cast<std::size_t>(r) * ranks + q;
+      Key[at] = all.key[at];
+      Site[at] = all.site[at] < 0 ? 0 : all.site[at];
+    }
+  if (progress) progress(count);
 }
 
 }  // namespace varnoth::analogue

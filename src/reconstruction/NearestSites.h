@@ -37,6 +37,21 @@ struct NearestInput {
 void FindNearest(const NearestInput& in, float* Key, int* Site,
                  const std::function<void(long)>& progress = {});
 
+// The same ranking for every site among the sites themselves, as the error
+// model needs: row r is site r + 1, and a site is a candidate when it is
+// eligible. A distance is symmetric, term by term, so each pair is summed
+// once and offered to both lists; the lists are as FindNearest would give.
+struct SelfInput {
+  int Columns = 0;
+  const double* Rows = nullptr;  // Count x Columns, row-major
+  long Count = 0;
+  const unsigned char* Eligible = nullptr;  // per row: may be chosen
+  const double* ColumnWeights = nullptr;
+  int Ranks = 1;
+};
+void FindNearestAmongThemselves(const SelfInput& in, float* Key, int* Site,
+                                const std::function<void(long)>& progress = {});
+
 // Which instruction set the search uses on this machine ("AVX2", "SSE2").
 const char* NearestKernelName();
 

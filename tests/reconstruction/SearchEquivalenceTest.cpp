@@ -118,6 +118,24 @@ TEST(SearchEquivalence, ErrorModelMatchesThePlainLoopsExactly) {
   }
 }
 
+TEST(SearchEquivalence, ErrorModelOverManyBlocksMatchesThePlainLoops) {
+  // Several blocks of sites shared out between threads, a partial last
+  // block, and sites without climate scattered through them.
+  Session fast = MakeTieRich(11, 333, 5, 4);
+  for (long i = 17; i <= 333; i += 23) fast.ClimateData(i, 1) = kMissing;
+  Session literal = fast;
+  NoProgress progress;
+  for (const Combo& c : Combos()) {
+    if (c.enhance == AnalogueEnhance::Log || c.by == AnalogueWeightBy::Distance) continue;
+    const AnalogueSettings st = SettingsOf(c);
+    GenerateErrorModel(fast, st, progress);
+    GenerateErrorModelLiteral(literal, st, progress);
+    SCOPED_TRACE(::testing::Message()
+                 << int(c.basis) << int(c.enhance) << c.inverse << " " << c.min << "-" << c.max);
+    ASSERT_EQ(fast.ReconRefValue, literal.ReconRefValue);
+  }
+}
+
 TEST(SearchEquivalence, HugeValuesTakeThePlainLoopsAndOverflowAsThey) {
   // Proportions this large give distances beyond a single: the rounding to
   // single is the overflow failure, in both ways of running.
