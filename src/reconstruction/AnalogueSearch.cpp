@@ -204,6 +204,19 @@ void LiteralLists(const Session& s, const AnalogueSettings& st, const CompareRow
   }
 }
 
+// The search's flat lists into the ranked arrays, ranks from 1.
+void StoreLists(const std::vector<float>& key, const std::vector<int>& chosen, long targets,
+                int ranks, Array2<float>& dist, Array2<Count>& site) {
+  for (long j = 1; j <= targets; ++j) {
+    float* drow = dist.Row(j, ranks);
+    Count* srow = site.Row(j, ranks);
+    for (int r = 1; r <= ranks; ++r) {
+      drow[r] = key[(j - 1) * ranks + r - 1];
+      srow[r] = static_cast<Count>(chosen[(j - 1) * ranks + r - 1]);
+    }
+  }
+}
+
 // The same lists by the parallel, vectorised search over the sites that can
 // be analogues at all (those with parameter 1 present).
 void FastLists(const Session& s, const AnalogueSettings& st, const CompareRows& c, long targets,
@@ -231,14 +244,7 @@ void FastLists(const Session& s, const AnalogueSettings& st, const CompareRows& 
   in.ColumnWeights = c.weights.empty() ? nullptr : c.weights.data();
   in.Ranks = ranks;
   analogue::FindNearest(in, key.data(), chosen.data(), [&](long done) { progress.Step(done); });
-  for (long j = 1; j <= targets; ++j) {
-    float* drow = dist.Row(j, ranks);
-    Count* srow = site.Row(j, ranks);
-    for (int r = 1; r <= ranks; ++r) {
-      drow[r] = key[(j - 1) * ranks + r - 1];
-      srow[r] = static_cast<Count>(chosen[(j - 1) * ranks + r - 1]);
-    }
-  }
+  StoreLists(key, chosen, targets, ranks, dist, site);
 }
 
 // The error model's lists: the sites among themselves, each pair once.
@@ -259,14 +265,7 @@ void FastSelfLists(const Session& s, const AnalogueSettings& st, const CompareRo
   in.Ranks = ranks;
   analogue::FindNearestAmongThemselves(in, key.data(), chosen.data(),
                                        [&](long done) { progress.Step(done); });
-  for (long t = 1; t <= sites; ++t) {
-    float* drow = dist.Row(t, ranks);
-    Count* srow = site.Row(t, ranks);
-    for (int r = 1; r <= ranks; ++r) {
-      drow[r] = key[(t - 1) * ranks + r - 1];
-      srow[r] = static_cast<Count>(chosen[(t - 1) * ranks + r - 1]);
-    }
-  }
+  StoreLists(key, chosen, sites, ranks, dist, site);
 }
 
 // Ends the progress display whatever the outcome.
