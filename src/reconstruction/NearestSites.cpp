@@ -121,7 +121,7 @@ template <bool Weighted>
   // candidate panels pass by.
   long blockTargets = (160L * 1024) / (8L * std::max(1, columns));
   blockTargets = std::clamp(blockTargets / kBlock * kBlock, static_cast<long>(kBlock), 256L);
-  AlignedDoubles packed(static_cast<std::size_t>(blockTargets) * columns);
+  AlignedDoubles packed(static_cast<std::size_t>(blockTargets) * std::max(1, columns));
   std::vector<float> key(static_cast<std::size_t>(blockTargets) * ranks);
   std::vector<int> site(static_cast<std::size_t>(blockTargets) * ranks);
   double lanes[kPanel];
@@ -387,15 +387,17 @@ void FindNearest(const NearestInput& in, float* Key, int* Site,
 
 void FindNearestAmongThemselves(const SelfInput& in, float* Key, int* Site,
                                 const std::function<void(long)>& progress) {
-  const int columns = std::max(1, in.Columns);
+  const int columns = in.Columns;
   const long count = in.Count;
   const long panelCount = (count + kPanel - 1) / kPanel;
   const long microCount = (count + kBlock - 1) / kBlock;
   const long blockCount = (count + kSelfBlock - 1) / kSelfBlock;
   // Every site both as a panel lane (NaN padding, never chosen) and as a
   // micro block row (zero padding, never offered).
-  AlignedDoubles panels(static_cast<std::size_t>(std::max(1L, panelCount)) * kPanel * columns);
-  AlignedDoubles blocks(static_cast<std::size_t>(std::max(1L, microCount)) * kBlock * columns);
+  AlignedDoubles panels(static_cast<std::size_t>(std::max(1L, panelCount)) * kPanel *
+                        std::max(1, columns));
+  AlignedDoubles blocks(static_cast<std::size_t>(std::max(1L, microCount)) * kBlock *
+                        std::max(1, columns));
   for (long r = 0; r < panelCount * kPanel; ++r) {
     double* dst = panels.data + (r / kPanel) * kPanel * columns + r % kPanel;
     for (int k = 0; k < in.Columns; ++k)

@@ -345,3 +345,22 @@ TEST_F(SearchFixture, ProgressRunsOverTheSamplesAndEnds) {
   EXPECT_EQ(rec.last, 3);
   EXPECT_TRUE(rec.finished);
 }
+
+TEST_F(SearchFixture, NoComparedColumnsMeansEveryDistanceIsZero) {
+  // With no axis in the envelope every dissimilarity is 0, and a distance
+  // of 0 is never an analogue.
+  LineSites({0.1, 0.2, 0.3});
+  SetFossil(s, {{0.1, 0.9}, {0.5, 0.5}});
+  s.RefScores.ReDim(3, 2);
+  s.FossilScores.ReDim(2, 2);
+  s.Contribution.ReDim(2);
+  s.EnvelopeAxisCount = 0;
+  st.Basis = AnalogueBasis::EofValues;
+  st.MaxAnalogues = 2;
+  Run();
+  EXPECT_EQ(s.AnalogueCount(1), 0);
+  EXPECT_EQ(s.AnalogueSite(2, 1), 0);
+  EXPECT_EQ(s.AnalogueDistance(2, 1), 9999.0f);
+  GenerateErrorModel(s, st, progress);
+  EXPECT_EQ(s.ReconRefValue(2, 1), kMissing);
+}
