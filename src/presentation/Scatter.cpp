@@ -18,23 +18,47 @@ const QColor kWhite(255, 255, 255);
 QString Text(const std::string& s) { return QString::fromStdString(s); }
 QString Number(double v) { return QString::fromStdString(FormatGeneral(v)); }
 
+// The turn of the 3-D view with its sines taken once per drawing.
+class Projector {
+ public:
+  Projector(const RotationPair& angles, bool threeD)
+      : threeD_(threeD),
+        sA1_(std::sin(angles.A1)),
+        cA1_(std::cos(angles.A1)),
+        sA2_(std::sin(angles.A2)),
+        cA2_(std::cos(angles.A2)) {}
+  ScreenPoint operator()(double x, double y, double z) const {
+    if (!threeD_) return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
+    // A0 stays 0: sin 0 = 0, cos 0 = 1.
+    const double r0 = -y;
+    const double r1 = x;
+    const double r2 = z;
+    const double sx = sA1_ * r0 - cA1_ * r2;
+    const double t = sA1_ * r2 + cA1_ * r0;
+    const double sy = sA2_ * r1 - cA2_ * t;
+    const double depth = sA2_ * t + cA2_ * r1;
+    return {static_cast<float>(sx), static_cast<float>(sy), static_cast<float>(depth)};
+  }
+
+ private:
+  bool threeD_;
+  double sA1_, cA1_, sA2_, cA2_;
+};
+
 // Places model points on one picture of a figure: the partner picture
 // replaces every X by the stereo partner's.
 class Placer {
  public:
   Placer(const Session& s, const ScatterView& view, bool partner)
-      : angles_(s.RotationAngles), threeD_(view.ThreeD), partner_(partner) {}
-  ScreenPoint operator()(double x, double y, double z) const {
-    return Side(ProjectPoint(angles_, x, y, z, threeD_));
-  }
+      : project_(s.RotationAngles, view.ThreeD), partner_(partner) {}
+  ScreenPoint operator()(double x, double y, double z) const { return Side(project_(x, y, z)); }
   ScreenPoint Side(ScreenPoint p) const {
     if (partner_) p.X = static_cast<float>(StereoPartnerX(p.X, p.Depth));
     return p;
   }
 
  private:
-  RotationPair angles_;
-  bool threeD_;
+  Projector project_;
   bool partner_;
 };
 
@@ -113,10 +137,10 @@ std::vector<ScreenPoint> ProjectRows(const Session& s, const ScatterView& view,
   const long last = std::max({static_cast<long>(a), static_cast<long>(b), static_cast<long>(c)});
   if (a < 0 || b < 0 || c < 0) ThrowSubscript();
   table.Require(n, last);
+  const Projector project(s.RotationAngles, view.ThreeD);
   for (long i = 1; i <= n; ++i) {
     const double* row = table.Row(i, last);
-    pts[static_cast<std::size_t>(i)] =
-        ProjectPoint(s.RotationAngles, row[a], row[b], row[c], view.ThreeD);
+    pts[static_cast<std::size_t>(i)] = project(row[a], row[b], row[c]);
   }
   return pts;
 }
@@ -159,18 +183,7 @@ Count TickStep(double range) {
 }
 
 ScreenPoint ProjectPoint(const RotationPair& angles, double x, double y, double z, bool threeD) {
-  if (!threeD) return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
-  // A0 stays 0: sin 0 = 0, cos 0 = 1.
-  const double r0 = -y;
-  const double r1 = x;
-  const double r2 = z;
-  const double sA1 = std::sin(angles.A1), cA1 = std::cos(angles.A1);
-  const double sA2 = std::sin(angles.A2), cA2 = std::cos(angles.A2);
-  const double sx = sA1 * r0 - cA1 * r2;
-  const double t = sA1 * r2 + cA1 * r0;
-  const double sy = sA2 * r1 - cA2 * t;
-  const double depth = sA2 * t + cA2 * r1;
-  return {static_cast<float>(sx), static_cast<float>(sy), static_cast<float>(depth)};
+  return Projector(angles, threeD)(x, y, z);
 }
 
 double StereoPartnerX(double x0, double depth) {

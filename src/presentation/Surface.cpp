@@ -5,6 +5,7 @@
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QPainter>
+#include <algorithm>
 #include <cmath>
 
 namespace varnoth {
@@ -79,12 +80,17 @@ void Surface::SetFontSize(double points) {
   fontPoints_ = points;
   QFont font = FigureFont(points);
   ascent_ = QFontMetricsF(font).ascent();
-  if (painter_) painter_->setFont(font);
+  if (painter_ && painter_->font() != font) painter_->setFont(font);
+  if (points != staticPoints_) {
+    staticText_.clear();
+    staticPoints_ = points;
+  }
 }
 
 void Surface::Line(double x1, double y1, double x2, double y2, const QColor& colour) {
   QPainter& p = Painter();
-  p.setPen(QPen(colour, 1));
+  if (p.pen().color() != colour || p.pen().width() != 1 || p.pen().style() != Qt::SolidLine)
+    p.setPen(QPen(colour, 1));
   p.drawLine(ToPixel(x1, y1), ToPixel(x2, y2));
 }
 
@@ -102,8 +108,14 @@ void Surface::FilledBox(double x1, double y1, double x2, double y2, const QColor
 }
 
 void Surface::Circle(double x, double y, double r, const QColor& colour) {
-  QPainter& p = Painter();
   const double pr = std::abs(r * image_.width() / width_);
+  // Small solid marks are the bulk of a scatter: fill their spans directly.
+  if (fillStyle_ == FillStyle::Solid && !antialias_ && pr <= 12 && fill_ == colour) {
+    Painter();  // keeps the order with what QPainter drew before
+    FillDisc(ToPixel(x, y), pr, colour.rgb());
+    return;
+  }
+  QPainter& p = Painter();
   p.setPen(QPen(colour, 1));
   if (fillStyle_ == FillStyle::Solid)
     p.setBrush(fill_);
@@ -112,13 +124,51 @@ void Surface::Circle(double x, double y, double r, const QColor& colour) {
   p.drawEllipse(ToPixel(x, y), pr, pr);
 }
 
+void Surface::FillDisc(QPointF centre, double radius, QRgb rgb) {
+  // The mark is centred on the pixel that holds its centre; the spans of a
+  // radius (with half the outline) are worked out once and reused.
+  if (radius != discRadius_) {
+    discRadius_ = radius;
+    discSpans_.clear();
+    const double reach = radius + 0.5;
+    const int rows = static_cast<int>(std::floor(reach));
+    for (int dy = 0; dy <= rows; ++dy)
+      discSpans_.push_back(static_cast<int>(std::floor(std::sqrt(reach * reach - dy * dy))));
+  }
+  const int cx = static_cast<int>(std::floor(centre.x()));
+  const int cy = static_cast<int>(std::floor(centre.y()));
+  const int w = image_.width(), h = image_.height();
+  const int rows = static_cast<int>(discSpans_.size()) - 1;
+  if (cx + rows < 0 || cx - rows >= w || cy + rows < 0 || cy - rows >= h) return;
+  uchar* bits = image_.bits();
+  const qsizetype stride = image_.bytesPerLine();
+  const QRgb value = rgb | 0xff000000u;
+  for (int dy = -rows; dy <= rows; ++dy) {
+    const int y = cy + dy;
+    if (y < 0 || y >= h) continue;
+    const int half = discSpans_[static_cast<std::size_t>(std::abs(dy))];
+    const int x0 = std::max(0, cx - half), x1 = std::min(w - 1, cx + half);
+    if (x0 > x1) continue;
+    QRgb* line = reinterpret_cast<QRgb*>(bits + y * stride);
+    std::fill(line + x0, line + x1 + 1, value);
+  }
+}
+
 void Surface::Print(double x, double y, const QString& text) { Print(x, y, text, fore_); }
 
 void Surface::Print(double x, double y, const QString& text, const QColor& colour) {
   QPainter& p = Painter();
-  p.setPen(colour);
-  QPointF at = ToPixel(x, y);
-  p.drawText(QPointF(at.x(), at.y() + ascent_), text);
+  if (p.pen().color() != colour) p.setPen(colour);
+  // Names come back at every turn of the view: keep their laid-out text.
+  if (staticText_.size() > 50000) staticText_.clear();
+  auto found = staticText_.find(text);
+  if (found == staticText_.end()) {
+    QStaticText laid(text);
+    laid.setTextFormat(Qt::PlainText);
+    laid.setPerformanceHint(QStaticText::AggressiveCaching);
+    found = staticText_.insert(text, laid);
+  }
+  p.drawStaticText(ToPixel(x, y), *found);
 }
 
 void Surface::PrintRotated(double x, double y, const QString& text, const QColor& colour,

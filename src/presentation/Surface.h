@@ -3,10 +3,13 @@
 // (a negative height lets y grow upwards), a stored background that clear
 // returns to, and the few operations the figures are built from.
 #include <QColor>
+#include <QHash>
 #include <QImage>
 #include <QPointF>
+#include <QStaticText>
 #include <QString>
 #include <memory>
+#include <vector>
 
 class QPainter;
 
@@ -78,6 +81,7 @@ class Surface {
  private:
   QPainter& Painter();
   void EndPainting() const;
+  void FillDisc(QPointF centre, double radius, QRgb rgb);
 
   QImage image_;
   QImage background_;
@@ -87,7 +91,11 @@ class Surface {
   FillStyle fillStyle_ = FillStyle::Transparent;
   double fontPoints_ = 8;
   double ascent_ = 0;
-  bool antialias_ = false;  // crisp marks, as on a plain raster
+  QHash<QString, QStaticText> staticText_;  // laid-out names, per font size
+  double staticPoints_ = 0;
+  double discRadius_ = -1;
+  std::vector<int> discSpans_;  // half-width of a mark per row from its centre
+  bool antialias_ = false;      // crisp marks, as on a plain raster
 };
 
 }  // namespace varnoth

@@ -99,10 +99,13 @@ class frmMain : public QMainWindow {
   // After the scatter is redrawn for a colour or tolerance change, so that
   // the diagram and its curves follow in that order.
   void RedrawOthers();
+  // The range slider moved: the diagram's EOF curves follow its value.
+  void RangeChanged(int value);
 
  protected:
   void closeEvent(QCloseEvent* event) override;
   void changeEvent(QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   // Construction, in frmMain.cpp.
@@ -137,6 +140,7 @@ class frmMain : public QMainWindow {
   void ChangeAngle(int which);
   void ChangeVelocity();
   void ChangeTolerance();
+  void PlaceLabel4();
   void NameOptionChosen(int list);
   void StepCursor(int list, int direction);
   void ChooseByName(int list);

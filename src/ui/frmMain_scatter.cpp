@@ -79,6 +79,7 @@ void frmMain::RedrawAll() {
 void frmMain::ChangeRange() {
   s_.ScatterZoom = std::pow(2.0, Slider4->value());
   RedrawScatter(s_.DisplayAxes(1), s_.DisplayAxes(2), s_.DisplayAxes(3));
+  if (s_.DiagramOpen) emit RangeChanged(Slider4->value());
 }
 
 void frmMain::ChangeAngle(int which) {
@@ -96,6 +97,11 @@ void frmMain::ChangeVelocity() { s_.RotationStep = ToSingle(Slider3->value() / 4
 void frmMain::ChangeTolerance() {
   s_.EnvelopeTolerance = ToSingle(Slider1->value() / 10.0);
   Label4->setText(QString::fromStdString(FormatSingle(s_.EnvelopeTolerance)));
+  PlaceLabel4();
+  boundary_.Run([this] { RedrawAll(); });
+}
+
+void frmMain::PlaceLabel4() {
   // The value rides above the slider's thumb.
   QStyleOptionSlider option;
   option.initFrom(Slider1);
@@ -108,7 +114,11 @@ void frmMain::ChangeTolerance() {
   const int half = Label4->fontMetrics().horizontalAdvance(Label4->text()) / 2;
   Label4->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   Label4->setIndent(std::max(0, handle.center().x() - half));
-  boundary_.Run([this] { RedrawAll(); });
+}
+
+void frmMain::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  PlaceLabel4();
 }
 
 void frmMain::SetStereo(bool on) {
