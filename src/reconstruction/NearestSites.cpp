@@ -61,29 +61,52 @@ inline void Insert(float* key, int* site, int ranks, float k, int s) {
   site[pos] = s;
 }
 
+inline bool AnyLane(I4 m);
+inline bool AllLanes(I4 m);
+
+// Columns summed between two looks at whether a tile can still matter.
+constexpr int kChunk = 32;
+
 // One micro tile: 4 targets x 8 candidates, summed over the columns in
 // order. Weighted: ((r - f) * w) / 100, then squared, as the EOF form says.
+// With bounds (the last key of each target's list), the tile stops early
+// when every partial sum already exceeds its target's bound in single: sums
+// of squares only grow, so none of those candidates could enter. Returns
+// whether the sums are complete.
 template <bool Weighted>
-[[gnu::always_inline]] inline void MicroTile(const double* panel, const double* block,
-                                             const double* weights, int columns, V4 acc[4][2]) {
+[[gnu::always_inline]] inline bool MicroTile(const double* panel, const double* block,
+                                             const double* weights, int columns, V4 acc[4][2],
+                                             const float* bounds = nullptr) {
   for (int t = 0; t < kBlock; ++t) acc[t][0] = acc[t][1] = V4{0, 0, 0, 0};
-  for (int k = 0; k < columns; ++k) {
-    V4 p0, p1;
-    std::memcpy(&p0, panel + k * kPanel, sizeof p0);
-    std::memcpy(&p1, panel + k * kPanel + 4, sizeof p1);
-    const double* f = block + k * kBlock;
-    for (int t = 0; t < kBlock; ++t) {
-      V4 d0 = p0 - f[t];
-      V4 d1 = p1 - f[t];
-      if constexpr (Weighted) {
-        d0 = d0 * weights[k];
-        d1 = d1 * weights[k];
-        d0 = d0 / 100.0;
-        d1 = d1 / 100.0;
+  int k = 0;
+  for (;;) {
+    const int end = bounds ? std::min(columns, k + kChunk) : columns;
+    for (; k < end; ++k) {
+      V4 p0, p1;
+      std::memcpy(&p0, panel + k * kPanel, sizeof p0);
+      std::memcpy(&p1, panel + k * kPanel + 4, sizeof p1);
+      const double* f = block + k * kBlock;
+      for (int t = 0; t < kBlock; ++t) {
+        V4 d0 = p0 - f[t];
+        V4 d1 = p1 - f[t];
+        if constexpr (Weighted) {
+          d0 = d0 * weights[k];
+          d1 = d1 * weights[k];
+          d0 = d0 / 100.0;
+          d1 = d1 / 100.0;
+        }
+        acc[t][0] += d0 * d0;
+        acc[t][1] += d1 * d1;
       }
-      acc[t][0] += d0 * d0;
-      acc[t][1] += d1 * d1;
     }
+    if (k >= columns) return true;
+    I4 beyond = {-1, -1, -1, -1};
+    for (int t = 0; t < kBlock; ++t) {
+      const F4 b = {bounds[t], bounds[t], bounds[t], bounds[t]};
+      beyond &= (__builtin_convertvector(acc[t][0], F4) > b) &
+                (__builtin_convertvector(acc[t][1], F4) > b);
+    }
+    if (AllLanes(beyond)) return false;
   }
 }
 
@@ -99,6 +122,14 @@ inline bool AnyLane(I4 m) {
   return _mm_movemask_ps(reinterpret_cast<__m128>(m)) != 0;
 #else
   return (m[0] | m[1] | m[2] | m[3]) != 0;
+#endif
+}
+
+inline bool AllLanes(I4 m) {
+#ifdef VARNOTH_X86
+  return _mm_movemask_ps(reinterpret_cast<__m128>(m)) == 0xF;
+#else
+  return (m[0] & m[1] & m[2] & m[3]) != 0;
 #endif
 }
 
@@ -147,8 +178,11 @@ template <bool Weighted>
       const int* sites = w.panelSites + p * kPanel;
       for (long m = 0; m < micro; ++m) {
         V4 acc[4][2];
-        MicroTile<Weighted>(panel, packed.data + m * kBlock * columns, in.ColumnWeights, columns,
-                            acc);
+        float bounds[kBlock];
+        for (int t = 0; t < kBlock; ++t) bounds[t] = key[(m * kBlock + t) * ranks + ranks - 1];
+        if (!MicroTile<Weighted>(panel, packed.data + m * kBlock * columns, in.ColumnWeights,
+                                 columns, acc, bounds))
+          continue;
         for (int t = 0; t < kBlock; ++t) {
           float* tk = key.data() + (m * kBlock + t) * ranks;
           int* ts = site.data() + (m * kBlock + t) * ranks;

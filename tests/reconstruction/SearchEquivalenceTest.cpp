@@ -136,6 +136,42 @@ TEST(SearchEquivalence, ErrorModelOverManyBlocksMatchesThePlainLoops) {
   }
 }
 
+TEST(SearchEquivalence, ManyTaxaStopHopelessTilesExactly) {
+  // Enough taxa for the search to stop tiles part way. The first taxa carry
+  // most of each distance, so that many partial sums come close to the
+  // bound before the rest decides; coarse values make distances tie.
+  std::mt19937 rng(21);
+  std::uniform_int_distribution<int> cell(0, 3);
+  auto rows = [&](int n) {
+    Rows out(n, std::vector<double>(90));
+    for (auto& r : out)
+      for (int k = 0; k < 90; ++k) r[k] = cell(rng) / 3.0 * (k < 40 ? 1.0 : 0.125);
+    return out;
+  };
+  Session fast;
+  SetReference(fast, rows(400));
+  SetFossil(fast, rows(60));
+  Rows clim(400, std::vector<double>{0, 0});
+  for (int i = 0; i < 400; ++i) clim[i] = {i * 0.5, 100.0 - i};
+  SetClimate(fast, clim, {"A", "B"});
+  Session literal = fast;
+  NoProgress progress;
+  for (Count max : {1, 8, 20}) {
+    for (auto enhance : {AnalogueEnhance::None, AnalogueEnhance::SquareRoot}) {
+      AnalogueSettings st;
+      st.MaxAnalogues = st.MinAnalogues = max;
+      st.Enhance = enhance;
+      RunReconstruction(fast, st, progress);
+      RunReconstructionLiteral(literal, st, progress);
+      ASSERT_EQ(fast.AnalogueDistance, literal.AnalogueDistance) << max;
+      for (long j = 1; j <= fast.FossilSampleCount; ++j)
+        for (long r = 1; r <= max; ++r)
+          ASSERT_EQ(fast.AnalogueSite(j, r), literal.AnalogueSite(j, r)) << j << " " << r;
+      ASSERT_EQ(fast.ReconValue, literal.ReconValue);
+    }
+  }
+}
+
 TEST(SearchEquivalence, HugeValuesTakeThePlainLoopsAndOverflowAsThey) {
   // Proportions this large give distances beyond a single: the rounding to
   // single is the overflow failure, in both ways of running.
