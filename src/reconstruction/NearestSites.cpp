@@ -69,14 +69,16 @@ constexpr int kChunk = 32;
 
 // One micro tile: 4 targets x 8 candidates, summed over the columns in
 // order. Weighted: ((r - f) * w) / 100, then squared, as the EOF form says.
-// With bounds (the last key of each target's list), the tile stops early
-// when every partial sum already exceeds its target's bound in single: sums
-// of squares only grow, so none of those candidates could enter. Returns
-// whether the sums are complete.
+// With bounds (the last key of each target's list, and of each candidate's
+// when the candidates keep lists too), the tile stops early when every
+// partial sum already exceeds its bounds in single: sums of squares only
+// grow, so none of those pairs could enter a list. Returns whether the sums
+// are complete.
 template <bool Weighted>
 [[gnu::always_inline]] inline bool MicroTile(const double* panel, const double* block,
                                              const double* weights, int columns, V4 acc[4][2],
-                                             const float* bounds = nullptr) {
+                                             const float* bounds = nullptr,
+                                             const float* candidateBounds = nullptr) {
   for (int t = 0; t < kBlock; ++t) acc[t][0] = acc[t][1] = V4{0, 0, 0, 0};
   int k = 0;
   for (;;) {
@@ -103,8 +105,16 @@ template <bool Weighted>
     I4 beyond = {-1, -1, -1, -1};
     for (int t = 0; t < kBlock; ++t) {
       const F4 b = {bounds[t], bounds[t], bounds[t], bounds[t]};
-      beyond &= (__builtin_convertvector(acc[t][0], F4) > b) &
-                (__builtin_convertvector(acc[t][1], F4) > b);
+      const F4 lo = __builtin_convertvector(acc[t][0], F4);
+      const F4 hi = __builtin_convertvector(acc[t][1], F4);
+      beyond &= (lo > b) & (hi > b);
+      if (candidateBounds) {
+        // The candidates' own lists take these sums too.
+        F4 cLo, cHi;
+        std::memcpy(&cLo, candidateBounds, sizeof cLo);
+        std::memcpy(&cHi, candidateBounds + 4, sizeof cHi);
+        beyond &= (lo > cLo) & (hi > cHi);
+      }
     }
     if (AllLanes(beyond)) return false;
   }
@@ -283,7 +293,16 @@ template <bool Weighted>
       const long col0 = p * kPanel;
       for (long m = firstMicro; m <= lastMicro; ++m) {
         V4 acc[4][2];
-        MicroTile<Weighted>(panel, w.blocks + m * kBlock * columns, in.ColumnWeights, columns, acc);
+        float bounds[kBlock];
+        for (int t = 0; t < kBlock; ++t) {
+          const long row = m * kBlock + t;
+          // Padding rows take no list: a bound nothing exceeds keeps the tile.
+          bounds[t] = row < count ? lists.bound[static_cast<std::size_t>(row)]
+                                  : std::numeric_limits<float>::infinity();
+        }
+        if (!MicroTile<Weighted>(panel, w.blocks + m * kBlock * columns, in.ColumnWeights, columns,
+                                 acc, bounds, both ? lists.bound.data() + col0 : nullptr))
+          continue;
         bool copied = false;
         auto copy = [&] {
           if (copied) return;

@@ -168,6 +168,9 @@ TEST(SearchEquivalence, ManyTaxaStopHopelessTilesExactly) {
         for (long r = 1; r <= max; ++r)
           ASSERT_EQ(fast.AnalogueSite(j, r), literal.AnalogueSite(j, r)) << j << " " << r;
       ASSERT_EQ(fast.ReconValue, literal.ReconValue);
+      GenerateErrorModel(fast, st, progress);
+      GenerateErrorModelLiteral(literal, st, progress);
+      ASSERT_EQ(fast.ReconRefValue, literal.ReconRefValue) << max;
     }
   }
 }
