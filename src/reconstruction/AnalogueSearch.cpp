@@ -40,7 +40,8 @@ struct CompareRows {
 double Transform(double x, AnalogueEnhance e) {
   switch (e) {
     case AnalogueEnhance::SquareRoot:
-      return std::pow(x, 0.5);
+      // Most proportions are 0, whose root needs no power function.
+      return x == 0 ? 0.0 : std::pow(x, 0.5);
     case AnalogueEnhance::Log:
       return LogEnhance(x);
     case AnalogueEnhance::None:
