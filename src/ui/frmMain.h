@@ -121,6 +121,7 @@ class frmMain : public QMainWindow {
                           const QString& comboName, const QString& steppingName);
 
   // Stages, in frmMain_import.cpp.
+  void RunImport(bool reference);
   void BaseImportRead();
   void SecondImportRead(bool fossil);
   void EofAnalysisEnded();

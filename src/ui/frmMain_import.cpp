@@ -24,69 +24,52 @@ void frmMain::RestartTurning() {
   if (Option4[1]->isChecked() && !Check2->isChecked()) timer1_.start();
 }
 
-void frmMain::ImportReference() {
+void frmMain::ImportReference() { RunImport(true); }
+
+void frmMain::ImportFossil() { RunImport(false); }
+
+void frmMain::RunImport(bool reference) {
   timer1_.stop();
   // The reference read holds the main window until it ends; as the base it
   // stays held until the pre-treatment is confirmed.
-  setEnabled(false);
+  if (reference) setEnabled(false);
   ImportResult result;
-  boundary_.Run([&] {
-    std::optional<std::string> path = dialogs_.OpenFileName(kDataFileFilter);
-    BusyPointer::Set();
-    result = varnoth::ImportReference(s_, path, dialogs_, progress_);
-  });
-  BusyPointer::Restore();
-  if (!result.Ok) {
+  auto failed = [this] {
+    BusyPointer::Restore();
     RestartTurning();
     ImportButtonsFromSession();
     setEnabled(true);
-    return;
-  }
-  FillLists(true, result.IsBase);
-  if (result.IsBase) {
-    BaseImportRead();
-  } else {
-    setEnabled(true);
-    SecondImportRead(false);
-    if (result.Projected) ProjectionEnded();
-  }
-  ImportButtonsFromSession();
-  if (s_.EofDone && s_.ProjectionDone) Command8->setEnabled(true);
-  RestartTurning();
-  if (result.IsBase) {
-    frmCorrelVar* dialog = CorrelVar();
-    dialog->show();
-    dialog->raise();
-    dialog->activateWindow();
-  }
-}
-
-void frmMain::ImportFossil() {
-  timer1_.stop();
-  ImportResult result;
-  boundary_.Run([&] {
-    std::optional<std::string> path = dialogs_.OpenFileName(kDataFileFilter);
-    BusyPointer::Set();
-    result = varnoth::ImportFossil(s_, path, dialogs_, progress_);
-  });
-  BusyPointer::Restore();
+  };
+  const bool ran = boundary_.Run(
+      [&] {
+        std::optional<std::string> path = dialogs_.OpenFileName(kDataFileFilter);
+        BusyPointer::Set();
+        result = reference ? varnoth::ImportReference(s_, path, dialogs_, progress_)
+                           : varnoth::ImportFossil(s_, path, dialogs_, progress_);
+        BusyPointer::Restore();
+        if (!result.Ok) return;
+        FillLists(reference, result.IsBase);
+        if (result.IsBase) {
+          BaseImportRead();
+        } else {
+          setEnabled(true);
+          SecondImportRead(!reference);
+          if (result.Projected) ProjectionEnded();
+        }
+        if (!reference) {
+          mnuSaveF->setEnabled(true);
+          mnuSaveF2->setEnabled(true);
+        }
+        ImportButtonsFromSession();
+        if (s_.EofDone && s_.ProjectionDone) Command8->setEnabled(true);
+        RestartTurning();
+      },
+      failed);
+  if (!ran) return;
   if (!result.Ok) {
-    RestartTurning();
-    ImportButtonsFromSession();
+    failed();
     return;
   }
-  FillLists(false, result.IsBase);
-  if (result.IsBase) {
-    BaseImportRead();
-  } else {
-    SecondImportRead(true);
-    if (result.Projected) ProjectionEnded();
-  }
-  mnuSaveF->setEnabled(true);
-  mnuSaveF2->setEnabled(true);
-  ImportButtonsFromSession();
-  if (s_.EofDone && s_.ProjectionDone) Command8->setEnabled(true);
-  RestartTurning();
   if (result.IsBase) {
     frmCorrelVar* dialog = CorrelVar();
     dialog->show();

@@ -675,6 +675,36 @@ class tst_frmMain : public QObject {
         Near(s, f.session.RefScores(lone, 1), f.session.RefScores(lone, 2), QColor(0, 255, 0), 0));
   }
 
+  void fossilFirstAnalysesTheCore() {
+    MainFixture f;
+    frmMain& w = *f.window;
+    f.ImportFossil(Example("fossil.csv"));
+    QVERIFY(f.session.FossilIsBase);
+    QVERIFY(w.CorrelVar()->isVisible());
+    QVERIFY(w.isEnabled());  // only the reference read holds the window
+    QVERIFY(w.mnuSaveF->isEnabled());
+    QCOMPARE(w.Combo1->count(), 110);
+    f.Confirm();
+    QVERIFY(f.dialogs.Messages.empty());
+    QVERIFY(f.session.EofDone);
+    QVERIFY(w.Command5->isEnabled());
+    QVERIFY(!w.Command6->isEnabled());
+    QVERIFY(w.Option5[0]->isEnabled());
+    QVERIFY(!w.Option3[0]->isEnabled());
+    // The samples are the base's own points: drawn on the second figure.
+    w.Option5[2]->click();
+    QVERIFY(Near(
+        w.Picture2(0)->surface(), (f.session.FossilScores(1, 1) + f.session.FossilScores(2, 1)) / 2,
+        (f.session.FossilScores(1, 2) + f.session.FossilScores(2, 2)) / 2, QColor(255, 150, 0), 1));
+    // The reference after a fossil base ends in the format error.
+    f.ImportReference(Example("reference.csv"));
+    QCOMPARE(int(f.dialogs.Messages.size()), 1);
+    QCOMPARE(f.dialogs.Messages[0].Text, std::string(kFormatErrorMessage));
+    QVERIFY(w.Command5->isEnabled());
+    QVERIFY(w.isEnabled());
+    QVERIFY(f.session.FossilIsBase);
+  }
+
   void toleranceSlider() {
     MainFixture f;
     f.Road();
