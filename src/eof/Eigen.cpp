@@ -86,31 +86,23 @@ std::vector<double> ColumnSums(const Array2<double>& X, long rows, long cols) {
 }
 
 // The upper triangle (j >= i) of D'D with each cell summed in row order,
-// where D holds the centred columns. Vectorised across j, tiled so that a
-// block of accumulators stays in the first-level cache.
-void CrossProducts(const std::vector<double>& D, long rows, long n, std::vector<double>& S) {
-  const long stride = n + 1;
-  constexpr long kBlockI = 4, kBlockJ = 256;
-  long blocks = (n + kBlockI - 1) / kBlockI;
+// where D holds the centred columns with `stride` columns a row (padded with
+// zeros so that blocks of 4 by 8 cells never run past a row).
+void CrossProducts(const std::vector<double>& D, std::size_t stride, long rows, long n,
+                   std::vector<double>& S) {
+  const long blocks = (n + 3) / 4;
+  const double* first = D.data() + stride;  // row 1
   ParallelRows(0, blocks - 1, 1, [&](long b0, long b1) {
-    std::vector<double> acc(static_cast<std::size_t>(kBlockI * kBlockJ));
+    double out[32];
     for (long b = b0; b <= b1; ++b) {
-      long i0 = 1 + b * kBlockI, i1 = std::min(n, i0 + kBlockI - 1);
-      long bi = i1 - i0 + 1;
-      for (long j0 = i0; j0 <= n; j0 += kBlockJ) {
-        long bj = std::min(kBlockJ, n - j0 + 1);
-        std::fill(acc.begin(), acc.end(), 0.0);
-        for (long r = 1; r <= rows; ++r) {
-          const double* d = D.data() + r * stride;
-          const double* dj = d + j0;
-          for (long ii = 0; ii < bi; ++ii)
-            kernels::AddScaled(acc.data() + ii * kBlockJ, dj, d[i0 + ii],
-                               static_cast<std::size_t>(bj));
-        }
-        for (long ii = 0; ii < bi; ++ii)
-          for (long jj = 0; jj < bj; ++jj) {
+      const long i0 = 1 + 4 * b;
+      for (long j0 = 1 + ((i0 - 1) / 8) * 8; j0 <= n; j0 += 8) {
+        kernels::SumProducts4x8(first + i0, stride, 1, first + j0, stride, rows, out);
+        for (long ii = 0; ii < 4; ++ii)
+          for (long jj = 0; jj < 8; ++jj) {
             long i = i0 + ii, j = j0 + jj;
-            if (j >= i) S[static_cast<std::size_t>(i * stride + j)] = acc[ii * kBlockJ + jj];
+            if (i <= n && j <= n && j >= i)
+              S[static_cast<std::size_t>(i * (n + 1) + j)] = out[ii * 8 + jj];
           }
       }
     }
@@ -132,14 +124,15 @@ void BuildMatrix(Session& s, const Array2<double>& X) {
   std::vector<double> mean = ColumnSums(X, m, n);
   for (long j = 1; j <= n; ++j) mean[j] = Div(mean[j], divisor);
   const long stride = n + 1;
-  std::vector<double> D(static_cast<std::size_t>((m + 1) * stride), 0.0);
+  const std::size_t padded = static_cast<std::size_t>((n + 8) / 8 * 8 + 8);
+  std::vector<double> D(static_cast<std::size_t>(m + 1) * padded, 0.0);
   for (long r = 1; r <= m; ++r) {
     const double* x = X.Row(r, n);
-    double* d = D.data() + r * stride;
+    double* d = D.data() + static_cast<std::size_t>(r) * padded;
     for (long j = 1; j <= n; ++j) d[j] = x[j] - mean[j];
   }
   std::vector<double> S(static_cast<std::size_t>(stride * stride), 0.0);
-  CrossProducts(D, m, n, S);
+  CrossProducts(D, padded, m, n, S);
   auto cell = [&](long i, long j) { return S[static_cast<std::size_t>(i * stride + j)]; };
   for (long i = 1; i <= n; ++i) {
     for (long j = i; j <= n; ++j) {

@@ -19,3 +19,34 @@ VARNOTH_CLONES void SubtractScaled(double* __restrict y, const double* __restric
 }
 
 }  // namespace varnoth::kernels
+
+namespace varnoth::kernels {
+
+// Four doubles as one value: a 256-bit register with AVX2, two 128-bit
+// ones otherwise.
+typedef double Quad __attribute__((vector_size(32)));
+
+VARNOTH_CLONES void SumProducts4x8(const double* a, std::size_t aStepK, std::size_t aStepI,
+                                   const double* b, std::size_t bStepK, long count,
+                                   double* out) {
+  Quad acc[4][2] = {};
+  for (long k = 0; k < count; ++k) {
+    const double* bk = b + static_cast<std::size_t>(k) * bStepK;
+    const double* ak = a + static_cast<std::size_t>(k) * aStepK;
+    Quad b0, b1;
+    __builtin_memcpy(&b0, bk, sizeof b0);
+    __builtin_memcpy(&b1, bk + 4, sizeof b1);
+    for (int ii = 0; ii < 4; ++ii) {
+      const double v = ak[static_cast<std::size_t>(ii) * aStepI];
+      const Quad x = {v, v, v, v};
+      acc[ii][0] += x * b0;
+      acc[ii][1] += x * b1;
+    }
+  }
+  for (int ii = 0; ii < 4; ++ii) {
+    __builtin_memcpy(out + ii * 8, &acc[ii][0], sizeof(Quad));
+    __builtin_memcpy(out + ii * 8 + 4, &acc[ii][1], sizeof(Quad));
+  }
+}
+
+}  // namespace varnoth::kernels

@@ -12,3 +12,14 @@ void AddScaled(double* y, const double* x, double a, std::size_t n);
 void SubtractScaled(double* y, const double* x, double a, std::size_t n);
 
 }  // namespace varnoth::kernels
+
+namespace varnoth::kernels {
+
+// A 4 x 8 block of sums held in registers: for ii < 4 and jj < 8,
+//   out[ii * 8 + jj] = sum over k = 0..count-1, in that order, of
+//                      a[k * aStepK + ii * aStepI] * b[k * bStepK + jj].
+// The caller pads its arrays so that every such element exists.
+void SumProducts4x8(const double* a, std::size_t aStepK, std::size_t aStepI, const double* b,
+                    std::size_t bStepK, long count, double* out);
+
+}  // namespace varnoth::kernels

@@ -12,31 +12,31 @@ void ProjectRows(const Array2<double>& Z, long rows, long n, const std::vector<d
   Z.Require(rows, n);
   E.Require(n, n);
   raw.Require(rows, n);
-  const std::size_t zStride = Z.Cols(), eStride = E.Cols(), rStride = raw.Cols();
-  // A block of rows shares each eigenvector row while it is in cache; every
-  // cell still sums over j in index order.
-  constexpr long kBlock = 8;
-  ParallelRows(1, rows, 2 * kBlock, [&](long first, long last) {
-    std::vector<double> zc(static_cast<std::size_t>(kBlock * (n + 1)));
-    std::vector<double> acc(static_cast<std::size_t>(kBlock * (n + 1)));
-    for (long i0 = first; i0 <= last; i0 += kBlock) {
-      const long b = std::min(kBlock, last - i0 + 1);
+  const std::size_t zStride = Z.Cols(), rStride = raw.Cols();
+  // The eigenvectors padded to whole blocks of 8 columns; blocks of 4 rows
+  // by 8 columns are summed in registers, each cell over j in index order.
+  const std::size_t padded = static_cast<std::size_t>((n + 8) / 8 * 8 + 8);
+  std::vector<double> Ep(static_cast<std::size_t>(n + 1) * padded, 0.0);
+  for (long j = 1; j <= n; ++j)
+    for (long c = 1; c <= n; ++c) Ep[static_cast<std::size_t>(j) * padded + c] = E(j, c);
+  const std::size_t width = static_cast<std::size_t>(n + 1);
+  ParallelRows(1, rows, 8, [&](long first, long last) {
+    std::vector<double> zc(4 * width, 0.0);
+    double out[32];
+    for (long i0 = first; i0 <= last; i0 += 4) {
+      const long b = std::min(4L, last - i0 + 1);
+      std::fill(zc.begin(), zc.end(), 0.0);
       for (long k = 0; k < b; ++k) {
         const double* z = Z.Data() + static_cast<std::size_t>(i0 + k) * zStride;
-        double* c = zc.data() + k * (n + 1);
+        double* c = zc.data() + static_cast<std::size_t>(k) * width;
         for (long j = 1; j <= n; ++j) c[j] = z[j] - centre[j];
       }
-      std::fill(acc.begin(), acc.end(), 0.0);
-      for (long j = 1; j <= n; ++j) {
-        const double* e = E.Data() + static_cast<std::size_t>(j) * eStride;
-        for (long k = 0; k < b; ++k)
-          kernels::AddScaled(acc.data() + k * (n + 1) + 1, e + 1, zc[k * (n + 1) + j],
-                             static_cast<std::size_t>(n));
-      }
-      for (long k = 0; k < b; ++k) {
-        double* out = raw.Data() + static_cast<std::size_t>(i0 + k) * rStride;
-        const double* a = acc.data() + k * (n + 1);
-        for (long c = 1; c <= n; ++c) out[c] = a[c];
+      for (long c0 = 1; c0 <= n; c0 += 8) {
+        kernels::SumProducts4x8(zc.data() + 1, 1, width, Ep.data() + padded + c0, padded, n, out);
+        for (long k = 0; k < b; ++k) {
+          double* dst = raw.Data() + static_cast<std::size_t>(i0 + k) * rStride;
+          for (long cc = 0; cc < 8 && c0 + cc <= n; ++cc) dst[c0 + cc] = out[k * 8 + cc];
+        }
       }
     }
   });
