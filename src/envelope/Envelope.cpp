@@ -132,11 +132,28 @@ SiteRange SiteExtremes(const Columns& sites, const double* a, std::vector<Vd>& p
   for (long c = 0; c < chunks; ++c) {
     const long b0 = c * kChunk, n = std::min(kChunk, sites.Blocks - b0);
     Vd* buf = p.data() + b0;
-    ProjectChunk<K>(sites, a, b0, n, buf);
     Vd hi = Splat(kRangeStartMax), lo = Splat(kRangeStartMin);
-    for (long b = 0; b < n; ++b) {
-      hi = Larger(buf[b], hi);
-      lo = Smaller(buf[b], lo);
+    if constexpr (K > 0) {
+      // Projection and range in one pass.
+      const Vd* x[K];
+      Vd coef[K];
+      for (int k = 0; k < K; ++k) {
+        x[k] = sites.Axis(k) + b0;
+        coef[k] = Splat(a[k]);
+      }
+      for (long b = 0; b < n; ++b) {
+        Vd v = coef[0] * x[0][b];
+        for (int k = 1; k < K; ++k) v = v + coef[k] * x[k][b];
+        buf[b] = v;
+        hi = Larger(v, hi);
+        lo = Smaller(v, lo);
+      }
+    } else {
+      ProjectChunk<K>(sites, a, b0, n, buf);
+      for (long b = 0; b < n; ++b) {
+        hi = Larger(buf[b], hi);
+        lo = Smaller(buf[b], lo);
+      }
     }
     double h = hi[0], l = lo[0];
     for (int i = 1; i < kLanes; ++i) {
