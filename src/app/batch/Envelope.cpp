@@ -78,10 +78,8 @@ void RunEnvelopeStep(Context& c) {
 
 const bool registered = RegisterStep(
     Step{100,
-         {{"--envelope", "TOLERANCE",
-           "run the envelope test after the projection; tolerance 0 to 1 in steps of 0.1 (0.1)"},
-          {"--envelope-axes", "1,2[,3...]",
-           "EOFs of the envelope test (1,2); more than three: the MoreAxis way"}},
+         {{"--envelope", "TOLERANCE", "envelope test after the projection, 0 to 1 by 0.1 (0.1)"},
+          {"--envelope-axes", "1,2[,3...]", "EOFs of the envelope (1,2); over three: MoreAxis"}},
          [](const Options& o) {
            if (!o.Has("--envelope") && !o.Has("--envelope-axes")) return;
            if (o.Has("--envelope")) SliderFor(o.Get("--envelope"));
