@@ -269,6 +269,21 @@ void FastSelfLists(const Session& s, const AnalogueSettings& st, const CompareRo
   StoreLists(key, chosen, sites, ranks, dist, site);
 }
 
+// The ranked lists of the fossil samples or, for the error model, of the
+// sites themselves: by the plain loops when asked, or when a distance could
+// overflow a single; otherwise by the fast search.
+void SearchLists(const Session& s, const AnalogueSettings& st, bool fossilTargets, bool literal,
+                 Array2<float>& dist, Array2<Count>& site, Progress& progress) {
+  const CompareRows c = Prepare(s, st, fossilTargets, !literal);
+  const long targets = fossilTargets ? s.FossilSampleCount : s.RefSiteCount;
+  if (literal || MightOverflowSingle(c))
+    LiteralLists(s, st, c, targets, dist, site, progress);
+  else if (fossilTargets)
+    FastLists(s, st, c, targets, dist, site, progress);
+  else
+    FastSelfLists(s, st, c, dist, site, progress);
+}
+
 // Ends the progress display whatever the outcome.
 struct ProgressGuard {
   Progress& p;
@@ -291,11 +306,7 @@ void Reconstruct(Session& s, const AnalogueSettings& st, Progress& progress, boo
   if (samples > 0 && s.RefSiteCount > 0)
     s.ClimateData.Require(s.RefSiteCount, std::max(1L, params));
 
-  CompareRows c = Prepare(s, st, true, !literal);
-  if (literal || MightOverflowSingle(c))
-    LiteralLists(s, st, c, samples, s.AnalogueDistance, s.AnalogueSite, progress);
-  else
-    FastLists(s, st, c, samples, s.AnalogueDistance, s.AnalogueSite, progress);
+  SearchLists(s, st, true, literal, s.AnalogueDistance, s.AnalogueSite, progress);
 
   for (long j = 1; j <= samples; ++j) {
     Count n =
@@ -339,11 +350,7 @@ void ErrorModel(Session& s, const AnalogueSettings& st, Progress& progress, bool
   Array2<Count> site(sites, kMaxRanks);
   if (sites > 0) s.ClimateData.Require(sites, std::max(1L, params));
 
-  CompareRows c = Prepare(s, st, false, !literal);
-  if (literal || MightOverflowSingle(c))
-    LiteralLists(s, st, c, sites, dist, site, progress);
-  else
-    FastSelfLists(s, st, c, dist, site, progress);
+  SearchLists(s, st, false, literal, dist, site, progress);
   for (long t = 1; t <= sites; ++t)
     Estimate(s, st, true, dist.Row(t, st.MaxAnalogues), site.Row(t, kMaxRanks), st.MaxAnalogues,
              s.ReconRefValue.Row(t, params));
