@@ -213,8 +213,9 @@ void frmMain::BuildControls() {
   picture3_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   figures->addWidget(picture3_, 2, 0, 1, 2);
   auto* labels = new QHBoxLayout;
-  Label8 = Caption(central, "Label8", "Temp: 1, 2, 3");
-  Label9 = Caption(central, "Label9", "Axis: 1, 2, 3");
+  // Written by the sites figure once there is one.
+  Label8 = Caption(central, "Label8", QString());
+  Label9 = Caption(central, "Label9", QString());
   labels->addWidget(Label8);
   labels->addSpacing(20);
   labels->addWidget(Label9);
@@ -509,6 +510,10 @@ void frmMain::ConnectEvents() {
   connect(Combo4, &QComboBox::activated, this, [this] { ChooseByName(1); });
   connect(Combo1, &QComboBox::activated, this, [this] { ChooseByName(2); });
   connect(&timer1_, &QTimer::timeout, this, &frmMain::TurnStep);
+  // Lifting the pause in 3-D sets the view turning again.
+  connect(Check2, &QCheckBox::toggled, this, [this](bool paused) {
+    if (!paused && Option4[1]->isChecked()) timer1_.start();
+  });
 }
 
 void frmMain::AddWindow(WindowOrder order, QWidget* window) {

@@ -142,6 +142,7 @@ class tst_frmMain : public QObject {
     QCOMPARE(f.window->Slider2[1]->value(), 0);
     QCOMPARE(f.window->Label4->text(), QString("0.1"));
     QCOMPARE(f.window->Label6->text(), QString("MoreAxis: No"));
+    QVERIFY(f.window->Label8->text().isEmpty());
     QCOMPARE(f.session.ScatterZoom, 4.0);
     QCOMPARE(f.session.EnvelopeAxisCount, Count(2));
     QCOMPARE(f.session.EnvelopeTolerance, 0.1f);
@@ -210,6 +211,25 @@ class tst_frmMain : public QObject {
     QCOMPARE(f.window->Option2[1]->text(), QString("Sequential"));
     QCOMPARE(f.window->Label1->text(), QString("Tight"));
     QCOMPARE(f.window->Label2->text(), QString("Loose"));
+  }
+
+  void dialogsInQtForm() {
+    QCOMPARE(QtFilter(kDataFileFilter), QString("DataFile (*.csv)"));
+    QCOMPARE(QtFilter("DataFile(*.csv)|*.csv|All(*.*)|*.*"),
+             QString("DataFile (*.csv);;All (*.*)"));
+    // A long report moves the bar under the busy pointer; the end restores both.
+    QProgressBar bar;
+    BarProgress progress(&bar);
+    progress.Start(40);
+    QVERIFY(bar.isVisibleTo(nullptr) || !bar.isHidden());
+    QCOMPARE(bar.maximum(), 40);
+    QVERIFY(QApplication::overrideCursor() != nullptr);
+    progress.Step(12);
+    QCOMPARE(bar.value(), 12);
+    progress.Finish();
+    QVERIFY(bar.isHidden());
+    QCOMPARE(bar.value(), 0);
+    QVERIFY(QApplication::overrideCursor() == nullptr);
   }
 
   void rightClickBeforeImportOpensDisabledPopup() {
@@ -589,6 +609,7 @@ class tst_frmMain : public QObject {
     QTest::qWait(60);
     QCOMPARE(f.session.RotationAngles.A1, held);
     w.Check2->click();
+    QVERIFY(w.Timer1().isActive());
     // Back to 2-D: the timer stops.
     w.Option4[0]->click();
     QVERIFY(!w.Timer1().isActive());
