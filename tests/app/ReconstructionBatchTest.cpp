@@ -146,12 +146,22 @@ TEST(ReconstructionBatch, WeightByAloneSteersTheErrorModelOnly) {
   st.WeightBy = AnalogueWeightBy::Distance;
   DefineThreshold(st, 20);
   engine.Compare(work, st, "SumSST", true);
+  // The curve is that of the default weighting; the error model is not.
+  AnalogueSettings squared = st;
+  squared.WeightBy = AnalogueWeightBy::SquaredDistance;
+  RunReconstruction(engine.s, squared, engine.progress);
+  ASSERT_TRUE(SaveCurveAll(engine.s, work.Path("squared-curve.csv"), engine.progress));
+  EXPECT_EQ(ReadFile(work.Path("squared-curve.csv")), ReadFile(work.Path("out/curve-all.csv")));
+  GenerateErrorModel(engine.s, squared, engine.progress);
+  engine.s.CurrentParameter = 1;
+  ASSERT_TRUE(SaveScatter(engine.s, work.Path("squared.csv"), engine.progress));
+  EXPECT_NE(ReadFile(work.Path("squared.csv")), ReadFile(work.Path("out/scatter-SumSST.csv")));
 }
 
 TEST(ReconstructionBatch, EofBasisTakesThePreTreatmentsEnhancement) {
   TempDir work;
   ProgramRun r = RunProgram(Road(work, {"--enhance", "sqrt", "--climate", Ex("climate.csv"),
-                                        "--basis", "eof", "--max", "0", "--threshold", "2"}),
+                                        "--basis", "eof", "--threshold", "0.05"}),
                             work);
   ASSERT_EQ(r.exitCode, 0) << r.err;
   PreTreatmentSettings p;
@@ -159,9 +169,25 @@ TEST(ReconstructionBatch, EofBasisTakesThePreTreatmentsEnhancement) {
   EngineRoad engine(p);
   AnalogueSettings st;
   st.Basis = AnalogueBasis::EofValues;
-  st.Enhance = AnalogueEnhance::SquareRoot;
-  st.MaxAnalogues = 1;  // 0 is raised to 1, as the slider does
-  DefineThreshold(st, 200);
+  st.Enhance = AnalogueEnhance::SquareRoot;  // the threshold becomes 0.05^0.5
+  DefineThreshold(st, 5);
+  engine.Compare(work, st, "SumSST", false);
+  // Without the enhancement the threshold would be 0.05, and the curve other.
+  AnalogueSettings plain = st;
+  plain.Enhance = AnalogueEnhance::None;
+  DefineThreshold(plain, 5);
+  RunReconstruction(engine.s, plain, engine.progress);
+  ASSERT_TRUE(SaveCurveAll(engine.s, work.Path("plain.csv"), engine.progress));
+  EXPECT_NE(ReadFile(work.Path("plain.csv")), ReadFile(work.Path("out/curve-all.csv")));
+}
+
+TEST(ReconstructionBatch, MaximumOfZeroIsRaisedToOne) {
+  TempDir work;
+  ProgramRun r = RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--max", "0"}), work);
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  EngineRoad engine;
+  AnalogueSettings st;
+  st.MaxAnalogues = 1;
   engine.Compare(work, st, "SumSST", false);
 }
 
