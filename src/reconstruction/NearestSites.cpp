@@ -396,19 +396,21 @@ void FindNearest(const NearestInput& in, float* Key, int* Site,
   AlignedDoubles panels(static_cast<std::size_t>(std::max(1L, panelCount)) * kPanel *
                         std::max(1, columns));
   std::vector<int> panelSites(static_cast<std::size_t>(std::max(1L, panelCount)) * kPanel, -1);
-  for (long p = 0; p < panelCount; ++p)
-    for (int l = 0; l < kPanel; ++l) {
-      const long c = p * kPanel + l;
-      double* dst = panels.data + p * kPanel * columns + l;
-      if (c < in.CandidateCount) {
-        const double* row = in.Candidates + c * columns;
-        for (int k = 0; k < columns; ++k) dst[k * kPanel] = row[k];
-        panelSites[static_cast<std::size_t>(c)] = in.SiteNumbers[c];
-      } else {
-        for (int k = 0; k < columns; ++k)
-          dst[k * kPanel] = std::numeric_limits<double>::quiet_NaN();
+  ParallelRows(0, panelCount - 1, 64, [&](long first, long last) {
+    for (long p = first; p <= last; ++p)
+      for (int l = 0; l < kPanel; ++l) {
+        const long c = p * kPanel + l;
+        double* dst = panels.data + p * kPanel * columns + l;
+        if (c < in.CandidateCount) {
+          const double* row = in.Candidates + c * columns;
+          for (int k = 0; k < columns; ++k) dst[k * kPanel] = row[k];
+          panelSites[static_cast<std::size_t>(c)] = in.SiteNumbers[c];
+        } else {
+          for (int k = 0; k < columns; ++k)
+            dst[k * kPanel] = std::numeric_limits<double>::quiet_NaN();
+        }
       }
-    }
+  });
   Work w{&in, panels.data, panelSites.data(), panelCount};
 
   const bool weighted = in.ColumnWeights != nullptr;
@@ -451,17 +453,21 @@ void FindNearestAmongThemselves(const SelfInput& in, float* Key, int* Site,
                         std::max(1, columns));
   AlignedDoubles blocks(static_cast<std::size_t>(std::max(1L, microCount)) * kBlock *
                         std::max(1, columns));
-  for (long r = 0; r < panelCount * kPanel; ++r) {
-    double* dst = panels.data + (r / kPanel) * kPanel * columns + r % kPanel;
-    for (int k = 0; k < in.Columns; ++k)
-      dst[k * kPanel] =
-          r < count ? in.Rows[r * in.Columns + k] : std::numeric_limits<double>::quiet_NaN();
-  }
-  for (long r = 0; r < microCount * kBlock; ++r) {
-    double* dst = blocks.data + (r / kBlock) * kBlock * columns + r % kBlock;
-    for (int k = 0; k < in.Columns; ++k)
-      dst[k * kBlock] = r < count ? in.Rows[r * in.Columns + k] : 0.0;
-  }
+  ParallelRows(0, panelCount * kPanel - 1, 512, [&](long first, long last) {
+    for (long r = first; r <= last; ++r) {
+      double* dst = panels.data + (r / kPanel) * kPanel * columns + r % kPanel;
+      for (int k = 0; k < in.Columns; ++k)
+        dst[k * kPanel] =
+            r < count ? in.Rows[r * in.Columns + k] : std::numeric_limits<double>::quiet_NaN();
+    }
+  });
+  ParallelRows(0, microCount * kBlock - 1, 512, [&](long first, long last) {
+    for (long r = first; r <= last; ++r) {
+      double* dst = blocks.data + (r / kBlock) * kBlock * columns + r % kBlock;
+      for (int k = 0; k < in.Columns; ++k)
+        dst[k * kBlock] = r < count ? in.Rows[r * in.Columns + k] : 0.0;
+    }
+  });
   std::atomic<long> next{0}, done{0};
   SelfWork w{&in, panels.data, blocks.data, panelCount, microCount, blockCount, &next, &done};
   const unsigned workers = std::max(
