@@ -25,7 +25,6 @@ void PictureBox::paintEvent(QPaintEvent*) {
   QPainter p(this);
   p.fillRect(rect(), palette().window());
   p.drawImage(Origin(), surface_.Image());
-  if (!isEnabled()) p.fillRect(QRect(Origin(), surface_.Image().size()), QColor(255, 255, 255, 90));
 }
 
 void PictureBox::resizeEvent(QResizeEvent*) {

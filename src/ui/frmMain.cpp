@@ -89,7 +89,11 @@ frmMain::frmMain(Session& session, ColourSettings& colours, Dialogs& dialogs, QW
   resize(size.expandedTo(minimumSizeHint()));
 }
 
-frmMain::~frmMain() = default;
+frmMain::~frmMain() {
+  // The windows without a parent go with the main window.
+  delete correlVar_.data();
+  delete color_.data();
+}
 
 QWidget* frmMain::BuildListFrame(QGroupBox*& frame, const QString& name, const QString& caption,
                                  std::array<QRadioButton*, 3>& options, QButtonGroup*& group,
@@ -234,14 +238,14 @@ void frmMain::BuildControls() {
     Command6 = Button(Frame7, "Command6", "Import fossil data");
     Command3 = Button(Frame7, "Command3", "Axis settings");
     Label6 = Caption(Frame7, "Label6", "MoreAxis: No");
-    Label5 = Caption(Frame7, "Label5", "Range");
+    LabelRange = Caption(Frame7, "LabelRange", "Range");
     Slider4 = Slider(Frame7, "Slider4", 0, 8, 2);
     Slider4->setTickInterval(1);
     grid->addWidget(Command5, 0, 0, 1, 2);
     grid->addWidget(Command6, 1, 0, 1, 2);
     grid->addWidget(Command3, 2, 0);
     grid->addWidget(Label6, 2, 1);
-    grid->addWidget(Label5, 3, 0);
+    grid->addWidget(LabelRange, 3, 0);
     grid->addWidget(Slider4, 3, 1);
   }
   panelA->addWidget(Frame7);
@@ -372,7 +376,7 @@ void frmMain::StartValues() {
   for (QWidget* w : std::initializer_list<QWidget*>{
            Command11, Command14, Command3,   Command8,   Picture3(), Slider1,    Slider3,
            Slider4,   Slider5,   Slider2[1], Slider2[2], Label[0],   Label[1],   Label1,
-           Label2,    Label3,    Label4,     Label5,     Label7,     Option4[0], Option4[1]})
+           Label2,    Label3,    Label4,     LabelRange, Label7,     Option4[0], Option4[1]})
     w->setEnabled(false);
   for (auto* arrays : {&Command1, &Command2, &Command4, &Command13})
     for (QPushButton* b : *arrays) b->setEnabled(false);

@@ -182,7 +182,7 @@ class frmMain : public QMainWindow {
   std::array<QSlider*, 3> Slider2{};  // indices 1 and 2
   std::array<QLabel*, 2> Label{};     // "Rotate", "Tilt"
   QLabel *Label1 = nullptr, *Label2 = nullptr, *Label3 = nullptr, *Label4 = nullptr,
-         *Label5 = nullptr, *Label6 = nullptr, *Label7 = nullptr, *Label8 = nullptr,
+         *LabelRange = nullptr, *Label6 = nullptr, *Label7 = nullptr, *Label8 = nullptr,
          *Label9 = nullptr;
   QComboBox *Combo1 = nullptr, *Combo3 = nullptr, *Combo4 = nullptr;
   QProgressBar* ProgressBar1 = nullptr;

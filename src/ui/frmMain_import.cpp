@@ -105,7 +105,7 @@ void frmMain::BaseImportRead() {
        {mnuCopy1L, mnuCopy1R, mnuCopy2L, mnuCopy2R, mnuSaveL, mnuSaveL2, mnuSaveS, mnuSaveS2})
     a->setEnabled(true);
   Slider4->setEnabled(true);
-  Label5->setEnabled(true);
+  LabelRange->setEnabled(true);
 }
 
 void frmMain::SecondImportRead(bool fossil) {
