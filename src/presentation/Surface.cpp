@@ -126,11 +126,12 @@ void Surface::Circle(double x, double y, double r, const QColor& colour) {
 
 void Surface::FillDisc(QPointF centre, double radius, QRgb rgb) {
   // The mark is centred on the pixel that holds its centre; the spans of a
-  // radius (with half the outline) are worked out once and reused.
+  // radius are worked out once and reused.
   if (radius != discRadius_) {
     discRadius_ = radius;
     discSpans_.clear();
-    const double reach = radius + 0.5;
+    // A little of the outline's width, so that a small mark stays round.
+    const double reach = radius + 0.2;
     const int rows = static_cast<int>(std::floor(reach));
     for (int dy = 0; dy <= rows; ++dy)
       discSpans_.push_back(static_cast<int>(std::floor(std::sqrt(reach * reach - dy * dy))));
