@@ -166,7 +166,9 @@ TEST(Batch, NoArgumentsRunsTheExampleSet) {
   RunResult r = RunBatch({}, work.Path(""));
   ASSERT_EQ(r.exitCode, 0) << r.err;
   EXPECT_NE(r.out.find("varnoth-out"), std::string::npos);
-  for (const char* f : {"loading.csv", "score-reference.csv", "score-fossil.csv"})
+  for (const char* f : {"loading.csv", "score-reference.csv", "score-fossil.csv",
+                        "extreme-sites.csv", "coniss.csv", "eof-all.csv", "curve-all.csv",
+                        "scatter-SumSST.csv"})
     EXPECT_TRUE(fs::exists(work.Path(std::string("varnoth-out/") + f))) << f;
 }
 

@@ -77,6 +77,11 @@ int main(int argc, char** argv) {
       std::string dir = ExamplesDir();
       options.Set("--reference", dir + "/reference.csv");
       options.Set("--fossil", dir + "/fossil.csv");
+      options.Set("--climate", dir + "/climate.csv");
+      options.Set("--envelope", "0.1");
+      options.Set("--coniss", "yes");
+      options.Set("--save-all-eof", "yes");
+      options.Set("--error-model", "yes");
       options.Set("--out", "varnoth-out");
     } else {
       options = Parse(argc, argv);
