@@ -1,5 +1,6 @@
 #include "presentation/DiagramFigure.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "diagram/Coniss.h"

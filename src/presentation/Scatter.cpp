@@ -14,6 +14,8 @@ namespace {
 
 constexpr double kPi = 3.1415926535898;
 const QColor kWhite(255, 255, 255);
+const double kSinTurn = std::sin(9.4247779607694 / 180);
+const double kCosTurn = std::cos(9.4247779607694 / 180);
 
 QString Text(const std::string& s) { return QString::fromStdString(s); }
 QString Number(double v) { return QString::fromStdString(FormatGeneral(v)); }
@@ -52,8 +54,13 @@ class Placer {
   Placer(const Session& s, const ScatterView& view, bool partner)
       : project_(s.RotationAngles, view.ThreeD), partner_(partner) {}
   ScreenPoint operator()(double x, double y, double z) const { return Side(project_(x, y, z)); }
+  // The partner's X is the turn of (x0, depth) by 3 degrees; written with
+  // the sine and cosine of the turn it needs no arc tangent per point, and
+  // x0 = 0 keeps the quarter turn of the angle form.
   ScreenPoint Side(ScreenPoint p) const {
-    if (partner_) p.X = static_cast<float>(StereoPartnerX(p.X, p.Depth));
+    if (!partner_) return p;
+    const double x0 = p.X, d = p.Depth;
+    p.X = static_cast<float>(x0 == 0 ? -std::abs(d) * kSinTurn : x0 * kCosTurn - d * kSinTurn);
     return p;
   }
 

@@ -324,6 +324,31 @@ class tst_Presentation : public QObject {
     QVERIFY(std::abs(StereoPartnerX(0, -2) + 2 * std::sin(three)) < 1e-12);
   }
 
+  void partnerPicturePlacesPointsByThePartnerFormula() {
+    // One taxon drawn alone in 3-D: its mark on the partner stands at the
+    // stereo partner of its X on the first picture.
+    Session s;
+    SmallSession(s);
+    s.Loadings.ReDim(3, 3);
+    s.Loadings(2, 1) = -3;
+    s.Loadings(2, 2) = 1.5;
+    s.Loadings(2, 3) = 2;
+    s.RotationAngles = {0.7, 0.3};
+    ColourSettings c;
+    ApplyColourPreset(c);
+    ScatterView view;
+    view.ThreeD = true;
+    view.Stereo = true;
+    view.TaxaNames = NameDisplay::Hide;
+    view.TicksAndLabels = false;
+    Surface main(400, 400), partner(400, 400);
+    DrawTaxa(s, c, view, 1, 2, 3, {&main, &partner});
+    const ScreenPoint p = ProjectPoint(s.RotationAngles, -3, 1.5, 2, true);
+    QVERIFY(Near(main, p.X, p.Y, QColor(0, 0, 255), 0));
+    QVERIFY(Near(partner, StereoPartnerX(p.X, p.Depth), p.Y, QColor(0, 0, 255), 0));
+    QVERIFY(std::abs(StereoPartnerX(p.X, p.Depth) - p.X) > 0.05);
+  }
+
   void ranges() {
     Session s;
     s.ScatterZoom = 16;
