@@ -5,21 +5,17 @@
 // the run must write, byte for byte, and no others).
 // VARNOTH_REGENERATE=1 rewrites `expected/` from the current program.
 #include <gtest/gtest.h>
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 
 #include <filesystem>
 #include <fstream>
 #include <set>
 #include <sstream>
 
+#include "BatchProgram.h"
 #include "eof/PreTreatment.h"
 #include "state/Import.h"
 #include "state/ScoreFiles.h"
 #include "support/TestSupport.h"
-
-extern char** environ;
 
 namespace fs = std::filesystem;
 using namespace varnoth;
@@ -31,38 +27,6 @@ std::string Replace(std::string s, const std::string& from, const std::string& t
   for (std::size_t at = s.find(from); at != std::string::npos; at = s.find(from, at + to.size()))
     s.replace(at, from.size(), to);
   return s;
-}
-
-struct RunResult {
-  int exitCode = -1;
-  std::string out, err;
-};
-
-RunResult RunBatch(const std::vector<std::string>& args, const std::string& workDir) {
-  std::string outPath = workDir + "/.stdout", errPath = workDir + "/.stderr";
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-  posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-  posix_spawn_file_actions_addchdir_np(&actions, workDir.c_str());
-  std::vector<std::string> all = {VARNOTH_BATCH};
-  all.insert(all.end(), args.begin(), args.end());
-  std::vector<char*> argv;
-  for (auto& a : all) argv.push_back(a.data());
-  argv.push_back(nullptr);
-  pid_t pid;
-  RunResult r;
-  if (posix_spawn(&pid, VARNOTH_BATCH, &actions, nullptr, argv.data(), environ) == 0) {
-    int status = 0;
-    waitpid(pid, &status, 0);
-    r.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-  posix_spawn_file_actions_destroy(&actions);
-  r.out = ReadFile(outPath);
-  r.err = ReadFile(errPath);
-  fs::remove(outPath);
-  fs::remove(errPath);
-  return r;
 }
 
 std::vector<std::string> Cases() {
@@ -88,29 +52,29 @@ TEST_P(BatchCase, WritesTheExpectedFiles) {
     line = Replace(line, "{data}", caseDir);
     args.push_back(Replace(line, "{out}", out));
   }
-  RunResult r = RunBatch(args, work.Path(""));
+  BatchResult r = RunBatchProgram(args, work.Path(""));
   int expectedExit = fs::exists(caseDir + "/exit") ? std::stoi(ReadFile(caseDir + "/exit")) : 0;
-  EXPECT_EQ(r.exitCode, expectedExit) << r.err;
+  EXPECT_EQ(r.ExitCode, expectedExit) << r.Err;
   if (fs::exists(caseDir + "/stderr")) {
-    EXPECT_EQ(r.err, ReadFile(caseDir + "/stderr"));
+    EXPECT_EQ(r.Err, ReadFile(caseDir + "/stderr"));
   }
   if (fs::exists(caseDir + "/stderr-begins")) {
     std::string first = ReadFile(caseDir + "/stderr-begins");
-    EXPECT_EQ(r.err.substr(0, first.size()), first);
-    EXPECT_NE(r.err.find("usage: varnoth-batch"), std::string::npos);
+    EXPECT_EQ(r.Err.substr(0, first.size()), first);
+    EXPECT_NE(r.Err.find("usage: varnoth-batch"), std::string::npos);
   }
   if (expectedExit != 0) {
-    EXPECT_FALSE(r.err.empty());
+    EXPECT_FALSE(r.Err.empty());
     return;
   }
-  EXPECT_TRUE(r.err.empty()) << r.err;
+  EXPECT_TRUE(r.Err.empty()) << r.Err;
   const std::string expected = caseDir + "/expected";
   if (std::getenv("VARNOTH_REGENERATE")) {
     fs::remove_all(expected);
     fs::create_directories(expected);
     for (auto& e : fs::directory_iterator(out)) {
-      std::string text = Replace(Replace(ReadFile(e.path().string()), VARNOTH_EXAMPLES, "{examples}"),
-                                 caseDir, "{data}");
+      std::string text = Replace(
+          Replace(ReadFile(e.path().string()), VARNOTH_EXAMPLES, "{examples}"), caseDir, "{data}");
       std::ofstream(expected + "/" + e.path().filename().string(), std::ios::binary) << text;
     }
     return;
@@ -120,19 +84,19 @@ TEST_P(BatchCase, WritesTheExpectedFiles) {
   for (auto& e : fs::directory_iterator(expected)) wanted.insert(e.path().filename().string());
   EXPECT_EQ(written, wanted);
   for (const std::string& name : wanted) {
-    std::string want = Replace(Replace(ReadFile(expected + "/" + name), "{examples}", VARNOTH_EXAMPLES),
-                               "{data}", caseDir);
+    std::string want =
+        Replace(Replace(ReadFile(expected + "/" + name), "{examples}", VARNOTH_EXAMPLES), "{data}",
+                caseDir);
     EXPECT_EQ(ReadFile(out + "/" + name), want) << name;
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, BatchCase, ::testing::ValuesIn(Cases()),
-                         [](const auto& info) {
-                           std::string n = info.param;
-                           for (char& c : n)
-                             if (!isalnum(static_cast<unsigned char>(c))) c = '_';
-                           return n;
-                         });
+INSTANTIATE_TEST_SUITE_P(Cases, BatchCase, ::testing::ValuesIn(Cases()), [](const auto& info) {
+  std::string n = info.param;
+  for (char& c : n)
+    if (!isalnum(static_cast<unsigned char>(c))) c = '_';
+  return n;
+});
 
 // The files are byte for byte what the program's own save operations write
 // after the same road.
@@ -140,10 +104,10 @@ TEST(Batch, FilesEqualTheEngineWriters) {
   TempDir work;
   const std::string ref = std::string(VARNOTH_EXAMPLES) + "/reference.csv";
   const std::string fos = std::string(VARNOTH_EXAMPLES) + "/fossil.csv";
-  RunResult r = RunBatch({"--reference", ref, "--fossil", fos, "--matrix", "correlation",
-                          "--timestamp", "2026-05-06 07:08:09", "--out", work.Path("out")},
-                         work.Path(""));
-  ASSERT_EQ(r.exitCode, 0) << r.err;
+  BatchResult r = RunBatchProgram({"--reference", ref, "--fossil", fos, "--matrix", "correlation",
+                                   "--timestamp", "2026-05-06 07:08:09", "--out", work.Path("out")},
+                                  work.Path(""));
+  ASSERT_EQ(r.ExitCode, 0) << r.Err;
   Session s;
   FakeDialogs dialogs;
   NoProgress progress;
@@ -163,18 +127,18 @@ TEST(Batch, FilesEqualTheEngineWriters) {
 
 TEST(Batch, NoArgumentsRunsTheExampleSet) {
   TempDir work;
-  RunResult r = RunBatch({}, work.Path(""));
-  ASSERT_EQ(r.exitCode, 0) << r.err;
-  EXPECT_NE(r.out.find("varnoth-out"), std::string::npos);
-  for (const char* f : {"loading.csv", "score-reference.csv", "score-fossil.csv",
-                        "extreme-sites.csv", "coniss.csv", "eof-all.csv", "curve-all.csv",
-                        "scatter-SumSST.csv"})
+  BatchResult r = RunBatchProgram({}, work.Path(""));
+  ASSERT_EQ(r.ExitCode, 0) << r.Err;
+  EXPECT_NE(r.Out.find("varnoth-out"), std::string::npos);
+  for (const char* f :
+       {"loading.csv", "score-reference.csv", "score-fossil.csv", "extreme-sites.csv", "coniss.csv",
+        "eof-all.csv", "curve-all.csv", "scatter-SumSST.csv"})
     EXPECT_TRUE(fs::exists(work.Path(std::string("varnoth-out/") + f))) << f;
 }
 
 TEST(Batch, HelpPrintsUsage) {
   TempDir work;
-  RunResult r = RunBatch({"--help"}, work.Path(""));
-  EXPECT_EQ(r.exitCode, 0);
-  EXPECT_NE(r.out.find("--reference FILE"), std::string::npos);
+  BatchResult r = RunBatchProgram({"--help"}, work.Path(""));
+  EXPECT_EQ(r.ExitCode, 0);
+  EXPECT_NE(r.Out.find("--reference FILE"), std::string::npos);
 }

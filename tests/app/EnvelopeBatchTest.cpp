@@ -1,53 +1,23 @@
 // varnoth-batch with the envelope test: In/Out in the fossil score file and
 // the extreme reference sites.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <vector>
 
+#include "BatchProgram.h"
+
 namespace {
+
+using varnoth::test::BatchRun;
 
 namespace fs = std::filesystem;
 
 std::string Data(const std::string& name) {
   return std::string(VARNOTH_TEST_DATA) + "/envelope/" + name;
 }
-
-class BatchRun {
- public:
-  explicit BatchRun(const std::string& args) {
-    static std::atomic<int> counter{0};
-    dir_ = fs::temp_directory_path() / ("varnoth-envelope-batch-" + std::to_string(::getpid()) +
-                                        "-" + std::to_string(counter++));
-    fs::remove_all(dir_);
-    fs::create_directories(dir_);
-    std::string command = std::string("\"") + VARNOTH_BATCH + "\" " + args + " --out \"" +
-                          (dir_ / "out").string() + "\" > \"" + (dir_ / "stdout").string() +
-                          "\" 2> \"" + (dir_ / "stderr").string() + "\"";
-    int status = std::system(command.c_str());
-    code_ = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-  ~BatchRun() { fs::remove_all(dir_); }
-  int Code() const { return code_; }
-  std::string File(const std::string& name) const { return Read(dir_ / "out" / name); }
-  bool Has(const std::string& name) const { return fs::exists(dir_ / "out" / name); }
-  std::string Errors() const { return Read(dir_ / "stderr"); }
-
- private:
-  static std::string Read(const fs::path& p) {
-    std::ifstream f(p, std::ios::binary);
-    std::ostringstream s;
-    s << f.rdbuf();
-    return s.str();
-  }
-  fs::path dir_;
-  int code_ = -1;
-};
 
 const std::string kTables =
     "--reference \"" + Data("reference.csv") + "\" --fossil \"" + Data("fossil.csv") + "\"";

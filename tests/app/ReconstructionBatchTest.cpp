@@ -2,13 +2,11 @@
 // what the engine's save operations write after the same road, its options
 // map onto the window's controls, and bad climate files end with the
 // program's own messages and no curve files.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <spawn.h>
-#include <sys/wait.h>
 
 #include <filesystem>
 
+#include "BatchProgram.h"
 #include "eof/PreTreatment.h"
 #include "reconstruction/AnalogueSearch.h"
 #include "reconstruction/ClimateImport.h"
@@ -17,41 +15,14 @@
 #include "state/Import.h"
 #include "support/TestSupport.h"
 
-extern char** environ;
-
 namespace fs = std::filesystem;
 using namespace varnoth;
 using namespace varnoth::test;
 
 namespace {
 
-struct ProgramRun {
-  int exitCode = -1;
-  std::string err;
-};
-
-ProgramRun RunProgram(std::vector<std::string> args, const TempDir& work) {
-  const std::string errPath = work.Path(".stderr"), outPath = work.Path(".stdout");
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
-                                   0644);
-  posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
-                                   0644);
-  args.insert(args.begin(), VARNOTH_BATCH);
-  std::vector<char*> argv;
-  for (auto& a : args) argv.push_back(a.data());
-  argv.push_back(nullptr);
-  pid_t pid;
-  ProgramRun r;
-  if (posix_spawn(&pid, VARNOTH_BATCH, &actions, nullptr, argv.data(), environ) == 0) {
-    int status = 0;
-    waitpid(pid, &status, 0);
-    r.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-  posix_spawn_file_actions_destroy(&actions);
-  r.err = ReadFile(errPath);
-  return r;
+BatchResult RunProgram(std::vector<std::string> args, const TempDir& work) {
+  return RunBatchProgram(std::move(args), work.Path(""));
 }
 
 std::string Ex(const std::string& name) { return std::string(VARNOTH_EXAMPLES) + "/" + name; }
@@ -106,9 +77,9 @@ struct EngineRoad {
 
 TEST(ReconstructionBatch, DefaultsAreTheWindowsAndFilesEqualTheEngine) {
   TempDir work;
-  ProgramRun r = RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--error-model"}), work);
-  ASSERT_EQ(r.exitCode, 0) << r.err;
-  EXPECT_TRUE(r.err.empty());
+  BatchResult r = RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--error-model"}), work);
+  ASSERT_EQ(r.ExitCode, 0) << r.Err;
+  EXPECT_TRUE(r.Err.empty());
   EngineRoad engine;
   AnalogueSettings st;  // taxa, no enhancement, no weighting, 0-8, 0.2
   engine.Compare(work, st, "SumSST", true);
@@ -118,11 +89,11 @@ TEST(ReconstructionBatch, DefaultsAreTheWindowsAndFilesEqualTheEngine) {
 
 TEST(ReconstructionBatch, OptionsMapOntoTheSettings) {
   TempDir work;
-  ProgramRun r = RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--analogue-enhance", "log",
-                                        "--weighting", "distance", "--min", "3", "--max", "5",
-                                        "--threshold", "0.35", "--parameter", "WinSST"}),
-                            work);
-  ASSERT_EQ(r.exitCode, 0) << r.err;
+  BatchResult r = RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--analogue-enhance",
+                                         "log", "--weighting", "distance", "--min", "3", "--max",
+                                         "5", "--threshold", "0.35", "--parameter", "WinSST"}),
+                             work);
+  ASSERT_EQ(r.ExitCode, 0) << r.Err;
   EngineRoad engine;
   AnalogueSettings st;
   st.Enhance = AnalogueEnhance::Log;
@@ -136,10 +107,10 @@ TEST(ReconstructionBatch, OptionsMapOntoTheSettings) {
 
 TEST(ReconstructionBatch, WeightByAloneSteersTheErrorModelOnly) {
   TempDir work;
-  ProgramRun r = RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--weight-by", "distance",
-                                        "--analogue-enhance", "sqrt", "--error-model"}),
-                            work);
-  ASSERT_EQ(r.exitCode, 0) << r.err;
+  BatchResult r = RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--weight-by", "distance",
+                                         "--analogue-enhance", "sqrt", "--error-model"}),
+                             work);
+  ASSERT_EQ(r.ExitCode, 0) << r.Err;
   EngineRoad engine;
   AnalogueSettings st;
   st.Enhance = AnalogueEnhance::SquareRoot;
@@ -160,10 +131,10 @@ TEST(ReconstructionBatch, WeightByAloneSteersTheErrorModelOnly) {
 
 TEST(ReconstructionBatch, EofBasisTakesThePreTreatmentsEnhancement) {
   TempDir work;
-  ProgramRun r = RunProgram(Road(work, {"--enhance", "sqrt", "--climate", Ex("climate.csv"),
-                                        "--basis", "eof", "--threshold", "0.05"}),
-                            work);
-  ASSERT_EQ(r.exitCode, 0) << r.err;
+  BatchResult r = RunProgram(Road(work, {"--enhance", "sqrt", "--climate", Ex("climate.csv"),
+                                         "--basis", "eof", "--threshold", "0.05"}),
+                             work);
+  ASSERT_EQ(r.ExitCode, 0) << r.Err;
   PreTreatmentSettings p;
   p.Enhance = true;
   EngineRoad engine(p);
@@ -183,8 +154,8 @@ TEST(ReconstructionBatch, EofBasisTakesThePreTreatmentsEnhancement) {
 
 TEST(ReconstructionBatch, MaximumOfZeroIsRaisedToOne) {
   TempDir work;
-  ProgramRun r = RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--max", "0"}), work);
-  ASSERT_EQ(r.exitCode, 0) << r.err;
+  BatchResult r = RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--max", "0"}), work);
+  ASSERT_EQ(r.ExitCode, 0) << r.Err;
   EngineRoad engine;
   AnalogueSettings st;
   st.MaxAnalogues = 1;
@@ -206,40 +177,41 @@ TEST(ReconstructionBatch, BadClimateFilesShowTheMessagesAndWriteNoCurve) {
   };
   for (const Case& c : cases) {
     TempDir work;
-    ProgramRun r = RunProgram(Road(work, {"--climate", c.file}), work);
-    EXPECT_EQ(r.exitCode, 1) << c.file;
-    EXPECT_EQ(r.err, c.err);
+    BatchResult r = RunProgram(Road(work, {"--climate", c.file}), work);
+    EXPECT_EQ(r.ExitCode, 1) << c.file;
+    EXPECT_EQ(r.Err, c.err);
     EXPECT_FALSE(fs::exists(work.Path("out/curve-all.csv"))) << c.file;
   }
   TempDir work;
-  ProgramRun garbage = RunProgram(Road(work, {"--climate", Climate("garbage.csv")}), work);
-  EXPECT_EQ(garbage.exitCode, 1);
-  EXPECT_EQ(garbage.err.substr(0, 7), "Error: ");
+  BatchResult garbage = RunProgram(Road(work, {"--climate", Climate("garbage.csv")}), work);
+  EXPECT_EQ(garbage.ExitCode, 1);
+  EXPECT_EQ(garbage.Err.substr(0, 7), "Error: ");
   EXPECT_FALSE(fs::exists(work.Path("out/curve-all.csv")));
 }
 
 TEST(ReconstructionBatch, AcceptedNamesRun) {
   TempDir work;
-  ProgramRun r =
+  BatchResult r =
       RunProgram(Road(work, {"--climate", Climate("renamed.csv"), "--accept-names"}), work);
-  EXPECT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_EQ(r.ExitCode, 0) << r.Err;
   EXPECT_TRUE(fs::exists(work.Path("out/curve-all.csv")));
 }
 
 TEST(ReconstructionBatch, NoAnalogueAtAllIsReported) {
   TempDir work;
-  ProgramRun r = RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--threshold", "0"}), work);
-  EXPECT_EQ(r.exitCode, 1);
-  EXPECT_EQ(r.err, "Error: No analogues through the whole sequence. Change threshold.\n");
+  BatchResult r =
+      RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--threshold", "0"}), work);
+  EXPECT_EQ(r.ExitCode, 1);
+  EXPECT_EQ(r.Err, "Error: No analogues through the whole sequence. Change threshold.\n");
   EXPECT_FALSE(fs::exists(work.Path("out/curve.csv")));
 }
 
 TEST(ReconstructionBatch, UnknownParameterStops) {
   TempDir work;
-  ProgramRun r =
+  BatchResult r =
       RunProgram(Road(work, {"--climate", Ex("climate.csv"), "--parameter", "Rain"}), work);
-  EXPECT_EQ(r.exitCode, 1);
-  EXPECT_EQ(r.err, "Error: No climate parameter is named Rain.\n");
+  EXPECT_EQ(r.ExitCode, 1);
+  EXPECT_EQ(r.Err, "Error: No climate parameter is named Rain.\n");
 }
 
 TEST(ReconstructionBatch, WrongOptionValuesAreUsageErrors) {
@@ -258,13 +230,13 @@ TEST(ReconstructionBatch, WrongOptionValuesAreUsageErrors) {
   };
   for (const auto& args : wrong) {
     TempDir work;
-    ProgramRun r = RunProgram(Road(work, args), work);
-    EXPECT_EQ(r.exitCode, 2) << args[args.size() - 1];
-    EXPECT_NE(r.err.find("usage: varnoth-batch"), std::string::npos);
+    BatchResult r = RunProgram(Road(work, args), work);
+    EXPECT_EQ(r.ExitCode, 2) << args[args.size() - 1];
+    EXPECT_NE(r.Err.find("usage: varnoth-batch"), std::string::npos);
   }
   TempDir work;
-  ProgramRun r = RunProgram({"--reference", Ex("reference.csv"), "--climate", Ex("climate.csv"),
-                             "--out", work.Path("out")},
-                            work);
-  EXPECT_EQ(r.exitCode, 2);
+  BatchResult r = RunProgram({"--reference", Ex("reference.csv"), "--climate", Ex("climate.csv"),
+                              "--out", work.Path("out")},
+                             work);
+  EXPECT_EQ(r.ExitCode, 2);
 }
