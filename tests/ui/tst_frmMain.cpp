@@ -9,10 +9,12 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QMenu>
+#include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
+#include <QTimer>
 #include <cmath>
 
 #include "UiSupport.h"
@@ -230,6 +232,32 @@ class tst_frmMain : public QObject {
     QVERIFY(bar.isHidden());
     QCOMPARE(bar.value(), 0);
     QVERIFY(QApplication::overrideCursor() == nullptr);
+  }
+
+  void realMessageBoxes() {
+    QtDialogs dialogs;
+    QString title, text;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    auto answer = [&](QMessageBox::StandardButton button) {
+      QTimer::singleShot(0, [&, button] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        QVERIFY(box);
+        title = box->windowTitle();
+        text = box->text();
+        icon = box->icon();
+        box->button(button)->click();
+      });
+    };
+    answer(QMessageBox::Ok);
+    dialogs.Message("Blanc cell detected.", "Error");
+    QCOMPARE(title, QString("Error"));
+    QCOMPARE(text, QString("Blanc cell detected."));
+    QCOMPARE(icon, QMessageBox::Warning);
+    answer(QMessageBox::Yes);
+    QVERIFY(dialogs.Question("Name inconsistent.  [a] = [b]?", "Error"));
+    QCOMPARE(title, QString("Error"));
+    answer(QMessageBox::No);
+    QVERIFY(!dialogs.Question("Name inconsistent.  [a] = [b]?", "Error"));
   }
 
   void rightClickBeforeImportOpensDisabledPopup() {
