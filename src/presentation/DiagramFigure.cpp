@@ -39,10 +39,17 @@ void DrawColumn(const Session& s, const DiagramSettings& set, const StyleParts& 
     for (long i : segments) pic.Line(x(i - 1), y(i - 1), x(i), y(i), curve);
   if (parts.ZeroLine) pic.Line(x0, 10, x0, 10.0 * n, kBlack);
   if (parts.Dots) {
+    // A white dot with a one-pixel outline, laid as a disc in the curve
+    // colour and a white one a pixel smaller: thousands of dots a step.
+    const double r = 1.5, inner = r - std::abs(pic.ScaleWidth() / pic.Width());
     pic.SetFillStyle(FillStyle::Solid);
-    pic.SetFillColour(kWhite);
-    for (long i = 1; i <= n; ++i)
-      if (HasDot(s.FossilProportion(i, t))) pic.Circle(x(i), y(i), 1.5, curve);
+    for (long i = 1; i <= n; ++i) {
+      if (!HasDot(s.FossilProportion(i, t))) continue;
+      pic.SetFillColour(curve);
+      pic.Circle(x(i), y(i), r, curve);
+      pic.SetFillColour(kWhite);
+      pic.Circle(x(i), y(i), inner, kWhite);
+    }
     pic.SetFillStyle(FillStyle::Transparent);
   }
   if (parts.Ticks) {
