@@ -492,6 +492,7 @@ void frmMain::ConnectEvents() {
   connect(Slider2[2], &QSlider::valueChanged, this, [this] { ChangeAngle(2); });
   connect(Slider3, &QSlider::valueChanged, this, &frmMain::ChangeVelocity);
   connect(Slider1, &QSlider::valueChanged, this, &frmMain::ChangeTolerance);
+  connect(Command11, &QPushButton::clicked, this, &frmMain::EnvelopClick);
   connect(Check1, &QCheckBox::toggled, this, [this](bool on) {
     boundary_.Run([this, on] {
       SetStereo(on);

@@ -75,6 +75,10 @@ class frmMain : public QMainWindow {
   void QuitProgram();
   void ApplyColourPreset();
   void ApplyGreyPreset();
+  // The click of Command11: runs the envelope test, or resets it.
+  void EnvelopClick();
+  // The results of the envelope test are shown ("Reset envelope").
+  bool EnvelopeStands() const;
   void DrawTaxaFigure(Count a, Count b, Count c);
   void DrawSitesFigure(Count a, Count b, Count c);
   void DrawFossilFigure(Count a, Count b, Count c);
@@ -132,6 +136,9 @@ class frmMain : public QMainWindow {
   void SaveWith(void (*writer)(const Session&, const std::string&, const FileStamp&, Progress&));
   void ShowPopup(QMenu* menu, const QPoint& at);
   void RefreshMoreAxisLabel();
+
+  // Envelope, in frmMain_envelope.cpp.
+  void RunEnvelopeAndRedraw();
 
   // Display, in frmMain_scatter.cpp.
   void RedrawScatter(Count a, Count b, Count c);

@@ -98,7 +98,11 @@ void frmMain::ChangeTolerance() {
   s_.EnvelopeTolerance = ToSingle(Slider1->value() / 10.0);
   Label4->setText(QString::fromStdString(FormatSingle(s_.EnvelopeTolerance)));
   PlaceLabel4();
-  boundary_.Run([this] { RedrawAll(); });
+  boundary_.Run([this] {
+    // While the results stand, a new tightness runs the test again.
+    if (EnvelopeStands()) RunEnvelopeAndRedraw();
+    RedrawAll();
+  });
 }
 
 void frmMain::PlaceLabel4() {
