@@ -4,7 +4,7 @@
 BUILD ?= build
 JOBS ?= $(shell nproc)
 
-.PHONY: deps build run test bench sanitize batch format clean
+.PHONY: deps build run test bench sanitize batch shots format clean
 
 deps:
 	@scripts/install-deps.sh
@@ -24,6 +24,11 @@ test: build
 
 bench: build
 	$(BUILD)/bench/varnoth_bench
+	$(BUILD)/varnoth_gui_bench
+
+# Pictures of the windows after a scripted analysis, drawn offscreen.
+shots: build
+	QT_QPA_PLATFORM=offscreen $(BUILD)/varnoth-shots shots
 
 # The whole test suite under AddressSanitizer and UndefinedBehaviorSanitizer.
 sanitize: deps
