@@ -175,6 +175,28 @@ void DrawTaxaNames(const Session& s, const DiagramSettings& set, Surface& pic) {
   pic.StoreBackground();
 }
 
+std::vector<long> DrawSampleLabels(const Session& s, const Surface& picture1, Surface& pic) {
+  pic.SetScale(0, picture1.ScaleTop(), pic.Width(), picture1.ScaleHeight());
+  pic.SetBackColour(kWhite);
+  pic.SetFontSize(7);
+  const long n = s.FossilSampleCount;
+  const Array1<double> y = SamplePositions(s);
+  const double right = pic.Width() - 1.0, pixel = std::abs(pic.ScaleHeight() / pic.Height());
+  std::vector<long> labelled;
+  double clear = pic.ScaleTop();  // the first height not taken by a label
+  for (long i = 1; i <= n; ++i) {
+    pic.Line(right - 4, y(i), right + 1, y(i), kBlack);
+    const QString text = QString::fromStdString(s.FossilLabels(i));
+    const double h = pic.TextHeight(text), top = y(i) - h / 2;
+    if (top < clear || top + h > pic.ScaleTop() + pic.ScaleHeight()) continue;
+    pic.Print(right - 6 - pic.TextWidth(text), top, text, kBlack);
+    clear = top + h + 2 * pixel;
+    labelled.push_back(i);
+  }
+  pic.StoreBackground();
+  return labelled;
+}
+
 void DrawDiagramMarker(const Session& s, const DiagramSettings& set, Surface& picture1) {
   DrawMarkerLine(s, set, picture1);
 }

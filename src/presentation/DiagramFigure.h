@@ -5,6 +5,7 @@
 // its controls into a DiagramSettings record; tests and benchmarks draw into
 // an image with no window.
 #include <QColor>
+#include <vector>
 
 #include "diagram/DiagramLayout.h"
 #include "presentation/Colours.h"
@@ -53,6 +54,11 @@ void DrawTaxaNames(const Session& s, const DiagramSettings& set, Surface& pictur
 // the drawing), and where a column's name starts across.
 double TaxonNameY(const Surface& picture4);
 double TaxonNameX(const DiagramSettings& set, long t);
+
+// The depth scale left of the diagram, on Picture1's vertical scale: a
+// short tick at every sample and its label wherever it has room, from the
+// top down. Returns the samples labelled.
+std::vector<long> DrawSampleLabels(const Session& s, const Surface& picture1, Surface& scale);
 
 // The line of the selected sample, drawn over the stored background; with
 // the marker hidden only the background is put back.

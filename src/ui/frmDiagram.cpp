@@ -21,12 +21,14 @@ namespace varnoth {
 
 namespace {
 
-// The designed layout, in pixels: Slider1 left of the diagram, the names
-// above it, the EOF panel to its right, the controls below.
-constexpr int kLeft = 32;         // Slider1's strip
-constexpr int kNames = 110;       // Picture4's height
-constexpr int kTop = kNames + 6;  // Picture1's top
-constexpr int kEofWidth = 220;    // Picture2's width
+// The designed layout, in pixels: Slider1 and the depth scale left of the
+// diagram, the names above it, the EOF panel to its right, the controls
+// below.
+constexpr int kDepthWidth = 48;
+constexpr int kLeft = 32 + kDepthWidth;  // Slider1's strip and the depth scale
+constexpr int kNames = 110;              // Picture4's height
+constexpr int kTop = kNames + 6;         // Picture1's top
+constexpr int kEofWidth = 220;           // Picture2's width
 constexpr int kRight = kEofWidth + 14;
 constexpr int kBottom = 54;
 // Twips of the resize rules, at 15 twips per pixel.
@@ -84,6 +86,7 @@ void frmDiagram::BuildControls() {
   Picture1 = Picture(central, "Picture1");
   Picture2 = Picture(central, "Picture2");
   Picture4 = Picture(central, "Picture4");
+  DepthScale = Picture(central, "DepthScale");
   Picture1->setMouseTracking(true);
   Picture1->installEventFilter(this);
 
@@ -292,6 +295,7 @@ void frmDiagram::PlacePanels() {
   Picture1->setGeometry(p1);
   Picture4->setGeometry(kLeft, 4, pw, kNames);
   Slider1->setGeometry(6, kTop - 6, 22, ph + 12);
+  DepthScale->setGeometry(kLeft - kDepthWidth, kTop, kDepthWidth, ph);
   const int rx = p1.right() + 8;
   Picture2->setGeometry(rx, kTop, kEofWidth, ph);
   Label2->setGeometry(rx, 8, 70, 24);
@@ -304,11 +308,12 @@ void frmDiagram::PlacePanels() {
   Slider2->setGeometry(rx, below + 18, kEofWidth, 24);
   HScroll1->setGeometry(kLeft, below, pw, 16);
   const int row = below + 21;
-  Combo2->setGeometry(kLeft, row, 110, 26);
-  UpDown1->setGeometry(kLeft + 114, row, 64, 26);
-  Check1->setGeometry(kLeft + 186, row, 120, 26);
-  CaptionSlider3->setGeometry(kLeft + 312, row, 100, 26);
-  Slider3->setGeometry(kLeft + 414, row, std::max(60, std::min(200, pw - 414)), 26);
+  const int x = 6;
+  Combo2->setGeometry(x, row, 110, 26);
+  UpDown1->setGeometry(x + 114, row, 64, 26);
+  Check1->setGeometry(x + 186, row, 120, 26);
+  CaptionSlider3->setGeometry(x + 312, row, 100, 26);
+  Slider3->setGeometry(x + 414, row, std::max(60, std::min(200, pw + kLeft - 420)), 26);
 }
 
 void frmDiagram::ScheduleRedraw() {

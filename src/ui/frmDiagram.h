@@ -62,6 +62,7 @@ class frmDiagram : public QMainWindow {
   void DrawTaxaNames();
   void DrawDiagramMarker();
   void DrawEofMarker();
+  void DrawDepthScale();
   void SaveEOF();
   void SaveAllEOF();
   void ToggleConiss();  // nmuConiss
@@ -83,6 +84,7 @@ class frmDiagram : public QMainWindow {
 
   // Controls, by their names.
   PictureBox *Picture1 = nullptr, *Picture2 = nullptr, *Picture4 = nullptr;
+  PictureBox* DepthScale = nullptr;  // the sample labels beside the diagram
   QMenu *mnuDrawMode = nullptr, *nmuTools = nullptr, *RB1 = nullptr, *RB2 = nullptr, *RB3 = nullptr;
   QAction *mnuBar = nullptr, *mnuArea = nullptr, *mnuDot = nullptr, *mnuCurve = nullptr,
           *mnuDotCurve = nullptr, *nmuConiss = nullptr, *mnuECC = nullptr,

@@ -86,7 +86,7 @@ void frmDiagram::FullRedraw() {
 
 void frmDiagram::SyncSurfaces() {
   // A panel placed while hidden has its new size only once shown.
-  for (PictureBox* p : {Picture1, Picture2, Picture4})
+  for (PictureBox* p : {Picture1, Picture2, Picture4, DepthScale})
     if (p->surface().Width() != p->width() || p->surface().Height() != p->height())
       p->surface().Resize(p->width(), p->height());
 }
@@ -153,6 +153,13 @@ void frmDiagram::DrawDiagram() {
   Picture1->update();
   s_.DiagramOpen = true;
   DrawEofCurve();
+  DrawDepthScale();
+}
+
+void frmDiagram::DrawDepthScale() {
+  SyncSurfaces();
+  DrawSampleLabels(s_, Picture1->surface(), DepthScale->surface());
+  DepthScale->update();
 }
 
 void frmDiagram::DrawEofCurve() {
