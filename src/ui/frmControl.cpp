@@ -182,8 +182,10 @@ AxisChoice frmControl::Choice() const {
   c.MoreAxis = Check1->isChecked();
   for (int k = 1; k <= 3; ++k) {
     const QComboBox* combo = Combo1[static_cast<std::size_t>(k)];
-    c.Combo[static_cast<std::size_t>(k)] =
-        static_cast<Count>(combo->currentIndex() >= 0 ? combo->currentText().toInt() : 0);
+    // A combo with nothing to choose keeps the axis as it stands.
+    c.Combo[static_cast<std::size_t>(k)] = combo->currentIndex() >= 0
+                                               ? static_cast<Count>(combo->currentText().toInt())
+                                               : s_.EnvelopeAxes(k);
   }
   for (int i = 0; i < List2->count(); ++i)
     c.List2.push_back(static_cast<Count>(List2->item(i)->text().toInt()));

@@ -313,6 +313,25 @@ class tst_frmControl : public QObject {
     QCOMPARE(f.session.EnvelopeAxisCount, Count(3));
   }
 
+  void beforeAnyAnalysisThePanelIsEmptyAndHarmless() {
+    Session session;
+    ScriptedDialogs dialogs;
+    int redraws = 0;
+    ControlPanelLinks links;
+    links.RedrawScatter = [&redraws] { ++redraws; };
+    frmControl panel(session, dialogs, links);
+    panel.Open();
+    QCOMPARE(panel.Combo1[1]->count(), 0);
+    QCOMPARE(panel.List1->count(), 0);
+    QVERIFY(!panel.VScroll1->isEnabled());
+    panel.Command3->click();
+    QCOMPARE(session.EnvelopeAxes(1), Count(1));
+    QCOMPARE(session.EnvelopeAxes(2), Count(2));
+    QCOMPARE(session.EnvelopeAxes(3), Count(3));
+    QCOMPARE(redraws, 0);
+    QVERIFY(dialogs.Messages.empty());
+  }
+
   void picture() {
     // With VARNOTH_SHOTS set to a folder, the panel is saved there to look at.
     Fixture f(true);
