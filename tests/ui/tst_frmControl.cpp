@@ -343,6 +343,10 @@ class tst_frmControl : public QObject {
     QVERIFY(!shot.isNull());
     const QByteArray folder = qgetenv("VARNOTH_SHOTS");
     if (!folder.isEmpty()) QVERIFY(shot.save(QString(folder) + "/frmControl.png"));
+    Fixture flat(false);
+    const QPixmap flatShot = flat.panel->grab();
+    QVERIFY(!flatShot.isNull());
+    if (!folder.isEmpty()) QVERIFY(flatShot.save(QString(folder) + "/frmControl-2d.png"));
   }
 };
 
