@@ -24,6 +24,7 @@
 #include "ui/PictureBox.h"
 #include "ui/frmAbout1.h"
 #include "ui/frmColor.h"
+#include "ui/frmControl.h"
 #include "ui/frmCorrelVar.h"
 #include "ui/frmTest.h"
 
@@ -93,6 +94,7 @@ frmMain::~frmMain() {
   // The windows without a parent go with the main window.
   delete correlVar_.data();
   delete color_.data();
+  delete control_.data();
 }
 
 QWidget* frmMain::BuildListFrame(QGroupBox*& frame, const QString& name, const QString& caption,
@@ -493,6 +495,7 @@ void frmMain::ConnectEvents() {
   connect(Slider3, &QSlider::valueChanged, this, &frmMain::ChangeVelocity);
   connect(Slider1, &QSlider::valueChanged, this, &frmMain::ChangeTolerance);
   connect(Command11, &QPushButton::clicked, this, &frmMain::EnvelopClick);
+  ConnectAxisEvents();
   connect(Check1, &QCheckBox::toggled, this, [this](bool on) {
     boundary_.Run([this, on] {
       SetStereo(on);

@@ -39,6 +39,7 @@ class frmCorrelVar;
 class frmColor;
 class frmAbout1;
 class frmTest;
+class frmControl;
 
 // Windows are closed by QuitProgram in this order; later tools add theirs.
 enum class WindowOrder {
@@ -90,6 +91,7 @@ class frmMain : public QMainWindow {
   frmColor* ColorWindow();
   frmAbout1* AboutWindow();
   frmTest* TestForm();
+  frmControl* ControlPanel();
   // What ends the process after the windows are closed.
   void SetEndProgram(std::function<void()> end) { endProgram_ = std::move(end); }
 
@@ -105,6 +107,9 @@ class frmMain : public QMainWindow {
   void RedrawOthers();
   // The range slider moved: the diagram's EOF curves follow its value.
   void RangeChanged(int value);
+  // The selected sample moved in the main window: the diagram's marker
+  // follows.
+  void SampleChosen();
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -140,6 +145,11 @@ class frmMain : public QMainWindow {
   // Envelope, in frmMain_envelope.cpp.
   void RunEnvelopeAndRedraw();
 
+  // Axes: the control panel and the ring of EOFs, in frmMain_axes.cpp.
+  void ConnectAxisEvents();
+  void StepAxisRing(bool next);
+  void ChooseAxisChangeMode(bool automatic);
+
   // Display, in frmMain_scatter.cpp.
   void RedrawScatter(Count a, Count b, Count c);
   void SetStereo(bool on);
@@ -170,6 +180,7 @@ class frmMain : public QMainWindow {
   QPointer<frmColor> color_;
   QPointer<frmAbout1> about_;
   QPointer<frmTest> test_;
+  QPointer<frmControl> control_;
 
   QTimer timer1_, timer2_;
 

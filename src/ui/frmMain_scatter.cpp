@@ -14,6 +14,8 @@
 
 #include "state/Format.h"
 #include "ui/PictureBox.h"
+#include "envelope/Animation.h"
+#include "ui/frmControl.h"
 #include "ui/frmMain.h"
 
 namespace varnoth {
@@ -92,7 +94,7 @@ void frmMain::ChangeAngle(int which) {
                 [this] { timer1_.stop(); });
 }
 
-void frmMain::ChangeVelocity() { s_.RotationStep = ToSingle(Slider3->value() / 4000.0); }
+void frmMain::ChangeVelocity() { s_.RotationStep = RotationStepFor(Slider3->value()); }
 
 void frmMain::ChangeTolerance() {
   s_.EnvelopeTolerance = ToSingle(Slider1->value() / 10.0);
@@ -139,39 +141,23 @@ void frmMain::SetStereo(bool on) {
 }
 
 void frmMain::ChooseDimension(bool threeD) {
-  if (!threeD) {
+  const DimensionEffect e = varnoth::ChooseDimension(s_, threeD, Check2->isChecked());
+  if (e.Timer1On)
+    timer1_.start();
+  else if (!threeD)
     timer1_.stop();
-    if (!s_.MoreAxis) {
-      s_.EnvelopeAxisCount = 2;
-    } else if (s_.EnvelopeAxisCount < 3) {
-      s_.MoreAxis = false;
-      timer2_.stop();
-    }
-  } else {
-    if (!Check2->isChecked()) timer1_.start();
-    if (!s_.MoreAxis) {
-      s_.EnvelopeAxisCount = 3;
-    } else if (s_.EnvelopeAxisCount < 4) {
-      s_.MoreAxis = false;
-      timer2_.stop();
-    }
-  }
+  if (e.StopTimer2) timer2_.stop();
+  if (control_) control_->DimensionChanged(threeD);
   RefreshMoreAxisLabel();
-  const Array1<Count>& axes = s_.MoreAxis ? s_.DisplayAxes : s_.EnvelopeAxes;
+  const Array1<Count>& axes = e.WithDisplayAxes ? s_.DisplayAxes : s_.EnvelopeAxes;
   RedrawScatter(axes(1), axes(2), axes(3));
+  if (e.RerunEnvelope) RunEnvelopeAndRedraw();
 }
 
 void frmMain::TurnStep() {
-  if (!Option4[1]->isChecked() || Check2->isChecked()) return;
-  double a1 = s_.RotationAngles.A1;
-  a1 += Check3->isChecked() ? -s_.RotationStep : s_.RotationStep;
-  if (a1 > kPi)
-    a1 = -kPi;
-  else if (a1 < -kPi)
-    a1 = kPi;
-  s_.RotationAngles.A1 = a1;
   // The slider's change does the drawing, once per whole degree.
-  Slider2[1]->setValue(static_cast<int>(Int(a1 * 180 / kPi)));
+  if (auto v = TurnTick(s_, {Option4[1]->isChecked(), Check2->isChecked(), Check3->isChecked()}))
+    Slider2[1]->setValue(*v);
 }
 
 void frmMain::NameOptionChosen(int list) {
@@ -193,44 +179,26 @@ void frmMain::NameOptionChosen(int list) {
 
 void frmMain::StepCursor(int list, int direction) {
   boundary_.Run([this, list, direction] {
-    Count& cursor = list == 0 ? s_.TaxonCursor : list == 1 ? s_.SiteCursor : s_.SampleCursor;
-    const long count = list == 0   ? s_.TaxaCount
-                       : list == 1 ? s_.RefSiteCount
-                                   : s_.FossilSampleCount;
-    long next = cursor + direction;
-    if (next < 1) next = count;
-    if (next > count) next = 1;
-    cursor = ToCount(static_cast<long long>(next));
+    const ListKind kind = static_cast<ListKind>(list);
+    const Count cursor = varnoth::StepCursor(s_, kind, direction);
     QComboBox* combo = list == 0 ? Combo3 : list == 1 ? Combo4 : Combo1;
-    const Array1<std::string>& names =
-        list == 0   ? (s_.ReferenceIsBase ? s_.RefTaxaNames : s_.FossilTaxaNames)
-        : list == 1 ? s_.RefSiteNames
-                    : s_.FossilLabels;
-    const int index = combo->findText(QString::fromStdString(names(cursor)), Qt::MatchExactly);
+    const int index =
+        combo->findText(QString::fromStdString(ListNames(s_, kind)(cursor)), Qt::MatchExactly);
     if (index >= 0) combo->setCurrentIndex(index);
     const Count a = s_.DisplayAxes(1), b = s_.DisplayAxes(2), c = s_.DisplayAxes(3);
     if (list == 0)
       DrawTaxaFigure(a, b, c);
     else
       RedrawScatter(a, b, c);
+    if (kind == ListKind::Samples) emit SampleChosen();
   });
 }
 
 void frmMain::ChooseByName(int list) {
   boundary_.Run([this, list] {
     QComboBox* combo = list == 0 ? Combo3 : list == 1 ? Combo4 : Combo1;
-    const Array1<std::string>& names =
-        list == 0   ? (s_.ReferenceIsBase ? s_.RefTaxaNames : s_.FossilTaxaNames)
-        : list == 1 ? s_.RefSiteNames
-                    : s_.FossilLabels;
-    const long count = list == 0   ? s_.TaxaCount
-                       : list == 1 ? s_.RefSiteCount
-                                   : s_.FossilSampleCount;
-    const std::string text = combo->currentText().toStdString();
-    Count& cursor = list == 0 ? s_.TaxonCursor : list == 1 ? s_.SiteCursor : s_.SampleCursor;
-    // The last match stands; a text not found leaves the cursor.
-    for (long i = 1; i <= count; ++i)
-      if (names(i) == text) cursor = ToCount(static_cast<long long>(i));
+    const ListKind kind = static_cast<ListKind>(list);
+    MoveRedDot(s_, kind, combo->currentText().toStdString());
     const Count a = s_.DisplayAxes(1), b = s_.DisplayAxes(2), c = s_.DisplayAxes(3);
     if (list == 0) {
       DrawTaxaFigure(a, b, c);
@@ -238,6 +206,7 @@ void frmMain::ChooseByName(int list) {
     } else {
       RedrawScatter(a, b, c);
     }
+    if (kind == ListKind::Samples) emit SampleChosen();
   });
 }
 
