@@ -15,6 +15,7 @@
 #include "ui/ScriptedDialogs.h"
 #include "ui/frmAbout1.h"
 #include "ui/frmColor.h"
+#include "ui/frmControl.h"
 #include "ui/frmCorrelVar.h"
 #include "ui/frmMain.h"
 #include "ui/frmTest.h"
@@ -91,6 +92,26 @@ int main(int argc, char* argv[]) {
   colour->Command3->click();
   Shot(colour, "color");
   Shot(&w, "main-2d-colour");
+
+  // The envelope test at the tightest setting, flat and turning.
+  w.Slider1->setValue(0);
+  w.Command11->click();
+  w.Option3[2]->click();
+  w.Option5[2]->click();
+  Shot(&w, "main-envelope-2d");
+  w.Option4[1]->click();
+  w.Check2->click();  // paused, so the picture is the one the test drew
+  Shot(&w, "main-envelope-3d");
+  w.Check2->click();
+  w.Option4[0]->click();
+  w.Option3[0]->click();
+  w.Option5[0]->click();
+
+  // The control panel with every EOF listed.
+  varnoth::frmControl* panel = w.ControlPanel();
+  panel->Open();
+  Shot(panel, "control");
+  panel->hide();
 
   varnoth::frmAbout1* about = w.AboutWindow();
   about->show();
