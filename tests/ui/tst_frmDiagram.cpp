@@ -175,6 +175,12 @@ class tst_frmDiagram : public QObject {
     QVERIFY(f.w->EofCurveDrawn());
     f.w->close();
     QVERIFY(!f.s.DiagramOpen);
+    // Opened again, it starts afresh from the current sample.
+    f.s.SampleCursor = 4;
+    f.Open();
+    QVERIFY(f.s.DiagramOpen);
+    QCOMPARE(f.w->Slider1->value(), 4);
+    QCOMPARE(f.P1().PixelAtUser(495, f.Y(4)), Cursor(f));
   }
 
   void barStyleDrawsBarsZeroLineTicksAndMarks() {
@@ -586,6 +592,33 @@ class tst_frmDiagram : public QObject {
     // A tick at every sample on the right edge, labelled or not.
     for (long i : {2L, 3L, 50L}) QCOMPARE(copy.PixelAtUser(copy.Width() - 2.0, f.Y(i)), kBlack);
     QCOMPARE(copy.Image(), scale.Image());
+  }
+
+  void namesInItalicsUnlessNoneEndsInAe() {
+    // With "Cae" in the list, "A" leans; without it, "A" stands upright.
+    Fixture leaning;
+    QByteArray reference(kReference), fossil(kFossil);
+    reference.replace("Cae", "C");
+    fossil.replace("Cae", "C");
+    Fixture upright(reference, fossil);
+    QVERIFY(leaning.ok && upright.ok);
+    leaning.Open();
+    upright.Open();
+    auto nameOfA = [](Fixture& f) {
+      const Surface& names = f.w->Picture4->surface();
+      const QPointF base = names.ToPixel(TaxonNameX(f.w->Settings(), 1), TaxonNameY(names));
+      return names.Image().copy(int(base.x()) - 2, int(base.y()) - 16, 18, 16);
+    };
+    const QImage a = nameOfA(leaning), b = nameOfA(upright);
+    QCOMPARE(a.size(), b.size());
+    int inkA = 0, inkB = 0;
+    for (int y = 0; y < a.height(); ++y)
+      for (int x = 0; x < a.width(); ++x) {
+        inkA += a.pixelColor(x, y) != kWhite;
+        inkB += b.pixelColor(x, y) != kWhite;
+      }
+    QVERIFY(inkA > 3 && inkB > 3);
+    QVERIFY(a != b);
   }
 
   void redrawAllFollowsTheColours() {
