@@ -4,10 +4,13 @@
 // the stepping and the resize rules. With VARNOTH_SHOTS set to a folder,
 // the example core is also rendered there as PNG files.
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QFile>
 #include <QLabel>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -499,6 +502,7 @@ class tst_frmDiagram : public QObject {
     QCOMPARE(QString::fromStdString(f.dialogs.Messages[0].Text), QString("Frame too small"));
     QCOMPARE(QString::fromStdString(f.dialogs.Messages[0].Title), QString("Error"));
     QCOMPARE(f.w->width(), 233);
+    Shot(f.w.get(), "diagram-too-small");
     // Large again: the panels follow and the diagram is drawn at its new size.
     f.w->resize(900, 650);
     QCoreApplication::processEvents();
@@ -506,6 +510,7 @@ class tst_frmDiagram : public QObject {
     QCOMPARE(f.w->Picture1->width(), 900 - f.w->Margins().width());
     QCOMPARE(f.P1().Width(), f.w->Picture1->width());
     QCOMPARE(f.P1().PixelAtUser(f.X0(1), (f.Y(2) + f.Y(3)) / 2), kBlack);
+    Shot(f.w.get(), "diagram-900x650");
   }
 
   void statusBarTellsTaxonSampleAndValue() {
@@ -619,6 +624,29 @@ class tst_frmDiagram : public QObject {
       }
     QVERIFY(inkA > 3 && inkB > 3);
     QVERIFY(a != b);
+  }
+
+  void rightButtonMenusCopyTheirPictures() {
+    Fixture f;
+    f.Open();
+    struct Case {
+      PictureBox* picture;
+      QMenu* menu;
+      QAction* copy;
+    };
+    for (Case c : {Case{f.w->Picture1, f.w->RB1, f.w->mnuCopyDiagram},
+                   Case{f.w->Picture2, f.w->RB2, f.w->mnuCopyEOF},
+                   Case{f.w->Picture4, f.w->RB3, f.w->mnuCopyTaxaName}}) {
+      QTest::mouseClick(c.picture, Qt::RightButton, {}, QPoint(20, 20));
+      QTRY_COMPARE(QApplication::activePopupWidget(), static_cast<QWidget*>(c.menu));
+      QVERIFY(c.menu->actions().contains(c.copy));
+      c.menu->close();
+      QApplication::clipboard()->clear();
+      c.copy->trigger();
+      QCOMPARE(QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
+               c.picture->surface().Image());
+    }
+    QCOMPARE(f.w->RB2->actions().size(), 3);
   }
 
   void redrawAllFollowsTheColours() {
