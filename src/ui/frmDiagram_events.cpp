@@ -59,6 +59,10 @@ void frmDiagram::Load() {
   for (int i = 0; i < 3; ++i)
     Label3[static_cast<std::size_t>(i)]->setText(ZoomLabel(s_.ScatterZoom, i));
 
+  // The tree is computed anew on demand: a new opening shows the EOF curve.
+  nmuConiss->setChecked(false);
+  ShowEofControls(true);
+
   Combo2->clear();
   for (long i = 1; i <= n; ++i)
     if (!s_.FossilEmptySample(i)) Combo2->addItem(QString::fromStdString(s_.FossilLabels(i)));
@@ -309,13 +313,10 @@ void frmDiagram::ToggleConiss() {
   boundary_.Run(
       [this, on] {
         ShowEofControls(!on);
-        if (on) {
-          // The joins are made anew at every switching on.
-          DoConiss(s_, progress_);
-          DrawEofCurve();  // the tree and the marker, with the check mark set
-        } else {
-          DrawEofCurve();
-        }
+        // The joins are made anew at every switching on; with the check
+        // mark set the panel draws the tree and the marker.
+        if (on) DoConiss(s_, progress_);
+        DrawEofCurve();
         progress_.Finish();
       },
       [this] {

@@ -420,6 +420,14 @@ class tst_frmDiagram : public QObject {
     QCOMPARE(q.ScaleLeft(), -f.s.ScatterZoom);
     QCOMPARE(q.PixelAtUser(0, (f.Y(2) + f.Y(3)) / 2), kBlack);
     QVERIFY(f.dialogs.Messages.empty());
+
+    // Closed with the tree shown, the window opens again on the EOF curve.
+    f.w->nmuConiss->trigger();
+    f.w->close();
+    f.Open();
+    QVERIFY(!f.w->nmuConiss->isChecked());
+    QVERIFY(!f.w->Combo1->isHidden());
+    QCOMPARE(q.ScaleLeft(), -f.s.ScatterZoom);
   }
 
   void conissOfIdenticalSamplesEndsInTheFailureMessage() {
