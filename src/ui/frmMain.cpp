@@ -25,6 +25,7 @@
 #include "ui/frmAbout1.h"
 #include "ui/frmColor.h"
 #include "ui/frmControl.h"
+#include "ui/frmDiagram.h"
 #include "ui/frmCorrelVar.h"
 #include "ui/frmTest.h"
 
@@ -95,6 +96,7 @@ frmMain::~frmMain() {
   delete correlVar_.data();
   delete color_.data();
   delete control_.data();
+  delete diagram_.data();
 }
 
 QWidget* frmMain::BuildListFrame(QGroupBox*& frame, const QString& name, const QString& caption,
@@ -496,6 +498,7 @@ void frmMain::ConnectEvents() {
   connect(Slider1, &QSlider::valueChanged, this, &frmMain::ChangeTolerance);
   connect(Command11, &QPushButton::clicked, this, &frmMain::EnvelopClick);
   ConnectAxisEvents();
+  ConnectDiagramEvents();
   connect(Check1, &QCheckBox::toggled, this, [this](bool on) {
     boundary_.Run([this, on] {
       SetStereo(on);

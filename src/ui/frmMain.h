@@ -40,6 +40,7 @@ class frmColor;
 class frmAbout1;
 class frmTest;
 class frmControl;
+class frmDiagram;
 
 // Windows are closed by QuitProgram in this order; later tools add theirs.
 enum class WindowOrder {
@@ -92,6 +93,7 @@ class frmMain : public QMainWindow {
   frmAbout1* AboutWindow();
   frmTest* TestForm();
   frmControl* ControlPanel();
+  frmDiagram* DiagramWindow();
   // What ends the process after the windows are closed.
   void SetEndProgram(std::function<void()> end) { endProgram_ = std::move(end); }
 
@@ -145,6 +147,9 @@ class frmMain : public QMainWindow {
   // Envelope, in frmMain_envelope.cpp.
   void RunEnvelopeAndRedraw();
 
+  // The diagram window and its link to the scatter, in frmMain_diagram.cpp.
+  void ConnectDiagramEvents();
+
   // Axes: the control panel and the ring of EOFs, in frmMain_axes.cpp.
   void ConnectAxisEvents();
   void StepAxisRing(bool next);
@@ -181,6 +186,7 @@ class frmMain : public QMainWindow {
   QPointer<frmAbout1> about_;
   QPointer<frmTest> test_;
   QPointer<frmControl> control_;
+  QPointer<frmDiagram> diagram_;
 
   QTimer timer1_, timer2_;
 

@@ -1,0 +1,48 @@
+// The diagram window from the main window: "Diagram" opens it, and the
+// selected sample, the range and the redraws pass between the two.
+#include <QComboBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalBlocker>
+#include <QSlider>
+
+#include "ui/frmDiagram.h"
+#include "ui/frmMain.h"
+
+namespace varnoth {
+
+frmDiagram* frmMain::DiagramWindow() {
+  if (!diagram_) {
+    diagram_ = new frmDiagram(s_, colours_, dialogs_, progress_);
+    AddWindow(WindowOrder::Diagram, diagram_);
+    connect(diagram_, &frmDiagram::SampleSelected, this, [this] {
+      boundary_.Run([this] {
+        const int index = Combo1->findText(QString::fromStdString(s_.FossilLabels(s_.SampleCursor)),
+                                           Qt::MatchExactly);
+        if (index >= 0) Combo1->setCurrentIndex(index);
+        RedrawScatter(s_.DisplayAxes(1), s_.DisplayAxes(2), s_.DisplayAxes(3));
+      });
+    });
+    connect(diagram_, &frmDiagram::ZoomChanged, this, [this](int value) {
+      const QSignalBlocker quiet(Slider4);
+      Slider4->setValue(value);
+      boundary_.Run(
+          [this] { RedrawScatter(s_.DisplayAxes(1), s_.DisplayAxes(2), s_.DisplayAxes(3)); });
+    });
+    connect(diagram_, &frmDiagram::SelectionLineToggled, this, [this](bool on) {
+      Option5[on ? 1 : 2]->setChecked(true);
+      NameOptionChosen(2);
+    });
+    connect(this, &frmMain::RangeChanged, diagram_.data(), &frmDiagram::FollowRange);
+    connect(this, &frmMain::RedrawOthers, diagram_.data(), &frmDiagram::RedrawAll);
+    connect(this, &frmMain::SampleChosen, diagram_.data(), &frmDiagram::MoveMarker);
+  }
+  return diagram_;
+}
+
+void frmMain::ConnectDiagramEvents() {
+  connect(Command14, &QPushButton::clicked, this,
+          [this] { boundary_.Run([this] { DiagramWindow()->ShowDiagram(); }); });
+}
+
+}  // namespace varnoth
