@@ -1,6 +1,7 @@
 // Renders the windows of the program to PNG files with no display, after a
 // scripted road through the example data: for looking at what users see.
 //   varnoth-shots [output folder] [reference.csv fossil.csv]
+#include <QAction>
 #include <QApplication>
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -17,6 +18,7 @@
 #include "ui/frmColor.h"
 #include "ui/frmControl.h"
 #include "ui/frmCorrelVar.h"
+#include "ui/frmDiagram.h"
 #include "ui/frmMain.h"
 #include "ui/frmTest.h"
 
@@ -112,6 +114,21 @@ int main(int argc, char* argv[]) {
   panel->Open();
   Shot(panel, "control");
   panel->hide();
+
+  // The pollen diagram of the core in its five styles, then with CONISS.
+  w.Command14->click();
+  varnoth::frmDiagram* diagram = w.DiagramWindow();
+  const std::pair<QAction*, const char*> styles[] = {
+      {diagram->mnuBar, "diagram-bar"},     {diagram->mnuArea, "diagram-area"},
+      {diagram->mnuDot, "diagram-dot"},     {diagram->mnuCurve, "diagram-curve"},
+      {diagram->mnuDotCurve, "diagram-dot-curve"}};
+  for (const auto& [action, name] : styles) {
+    action->trigger();
+    Shot(diagram, name);
+  }
+  diagram->nmuConiss->trigger();
+  Shot(diagram, "diagram-coniss");
+  diagram->hide();
 
   varnoth::frmAbout1* about = w.AboutWindow();
   about->show();
