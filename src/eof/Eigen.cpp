@@ -1,6 +1,5 @@
 #include "eof/Eigen.h"
 
-#include <barrier>
 #include <chrono>
 #include <thread>
 #include <cmath>
@@ -164,7 +163,7 @@ void PowerIterations(Session& s, Progress& progress) {
   double norm = 0;
 
   const unsigned workers = n >= 128 ? std::min(WorkerCount(), 4u) : 1u;
-  std::barrier sync(static_cast<std::ptrdiff_t>(workers));
+  SpinBarrier sync(workers);
   auto work = [&](unsigned id) {
     const std::size_t r0 = nn * id / workers, r1 = nn * (id + 1) / workers;
     for (long c = 1; c <= n; ++c) {
@@ -173,12 +172,10 @@ void PowerIterations(Session& s, Progress& progress) {
         std::fill(v.begin(), v.end(), 0.0);
         v[0] = 1;
       }
-      sync.arrive_and_wait();
+      sync.Wait();
       for (int it = 0; it < 20; ++it) {
-        std::fill(w.begin() + static_cast<std::ptrdiff_t>(r0), w.begin() + static_cast<std::ptrdiff_t>(r1), 0.0);
-        for (std::size_t k = 0; k < nn; ++k)
-          kernels::AddScaled(w.data() + r0, AT.data() + k * nn + r0, v[k], r1 - r0);
-        sync.arrive_and_wait();
+        kernels::SumColumns(w.data(), AT.data(), nn, v.data(), nn, r0, r1);
+        sync.Wait();
         if (id == 0) {
           double sq = 0;
           for (std::size_t r = 0; r < nn; ++r) sq += w[r] * w[r];
@@ -190,7 +187,7 @@ void PowerIterations(Session& s, Progress& progress) {
           }
           for (std::size_t r = 0; r < nn; ++r) vs[r] = v[r] * norm;
         }
-        sync.arrive_and_wait();
+        sync.Wait();
       }
       for (std::size_t k = 0; k < nn; ++k)
         kernels::SubtractScaled(AT.data() + k * nn + r0, vs.data() + r0, v[k], r1 - r0);
@@ -198,7 +195,7 @@ void PowerIterations(Session& s, Progress& progress) {
         s.EigenVectors(n + 1, c) = norm;
         for (std::size_t r = 0; r < nn; ++r) s.EigenVectors(static_cast<long>(r) + 1, c) = v[r];
       }
-      sync.arrive_and_wait();
+      sync.Wait();
     }
   };
   std::vector<std::thread> threads;

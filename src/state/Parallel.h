@@ -3,6 +3,7 @@
 // own arithmetic stays in its given order, so results do not depend on the
 // number of threads. A failure in any part is raised again in the caller.
 #include <algorithm>
+#include <atomic>
 #include <exception>
 #include <functional>
 #include <thread>
@@ -51,5 +52,34 @@ inline void ParallelRows(long first, long last, long grain,
   for (auto& e : errors)
     if (e) std::rethrow_exception(e);
 }
+
+// A barrier for many short phases (thousands a second): waiting threads
+// spin a while before they yield, so that a phase of microseconds does not
+// pay for putting a thread to sleep and waking it again.
+class SpinBarrier {
+ public:
+  explicit SpinBarrier(unsigned parties) : parties_(parties) {}
+  void Wait() {
+    const unsigned generation = generation_.load(std::memory_order_acquire);
+    if (arrived_.fetch_add(1, std::memory_order_acq_rel) + 1 == parties_) {
+      arrived_.store(0, std::memory_order_relaxed);
+      generation_.fetch_add(1, std::memory_order_release);
+      return;
+    }
+    for (unsigned spins = 0; generation_.load(std::memory_order_acquire) == generation; ++spins) {
+      if (spins < 20000) {
+#if defined(__x86_64__) || defined(__i386__)
+        __builtin_ia32_pause();
+#endif
+      } else {
+        std::this_thread::yield();
+      }
+    }
+  }
+
+ private:
+  const unsigned parties_;
+  std::atomic<unsigned> arrived_{0}, generation_{0};
+};
 
 }  // namespace varnoth
