@@ -4,7 +4,7 @@
 
 #include <fstream>
 
-#include "Synthetic.h"
+#include "BenchSession.h"
 #include "eof/Eigen.h"
 #include "eof/PreTreatment.h"
 #include "state/Import.h"
@@ -15,14 +15,6 @@ using namespace varnoth;
 namespace {
 
 constexpr int kSites = 8000, kTaxa = 300;
-
-class SilentDialogs : public Dialogs {
- public:
-  std::optional<std::string> OpenFileName(const std::string&) override { return {}; }
-  std::optional<std::string> SaveFileName(const std::string&) override { return {}; }
-  void Message(const std::string&, const std::string&) override {}
-  bool Question(const std::string&, const std::string&) override { return true; }
-};
 
 const std::string& TablePath() {
   static const std::string path = [] {
@@ -35,7 +27,7 @@ const std::string& TablePath() {
 
 Session ImportedSession() {
   Session s;
-  SilentDialogs d;
+  bench::SilentDialogs d;
   NoProgress p;
   if (!ImportReference(s, TablePath(), d, p).Ok) throw std::runtime_error("import failed");
   return s;
@@ -55,7 +47,8 @@ void BM_ReadReference(benchmark::State& state) {
     Session s = ImportedSession();
     benchmark::DoNotOptimize(s.RefData.Data());
   }
-  state.counters["MB/s"] = benchmark::Counter(bytes / 1e6, benchmark::Counter::kIsIterationInvariantRate);
+  state.counters["MB/s"] =
+      benchmark::Counter(bytes / 1e6, benchmark::Counter::kIsIterationInvariantRate);
 }
 
 void BM_RunEofAnalysis(benchmark::State& state) {
@@ -92,4 +85,3 @@ void BM_RunEofAnalysisLiteral(benchmark::State& state) {
 BENCHMARK(BM_ReadReference)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_RunEofAnalysis)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_RunEofAnalysisLiteral)->Arg(0)->Unit(benchmark::kMillisecond)->Iterations(1);
-

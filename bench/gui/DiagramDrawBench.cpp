@@ -4,13 +4,9 @@
 // the whole diagram; the marker move is a clear and one line.
 #include <benchmark/benchmark.h>
 
-#include <QTemporaryDir>
-#include <cmath>  // before Synthetic.h, which uses std::nearbyint
-#include <fstream>
 #include <memory>
 
-#include "Synthetic.h"
-#include "eof/PreTreatment.h"
+#include "BenchSession.h"
 #include "presentation/DiagramFigure.h"
 #include "state/Import.h"
 
@@ -22,30 +18,9 @@ constexpr int kTaxa = 300, kSamples = 1000, kSites = 400;
 // Picture1, Picture2 and Picture4 at the window's opening size.
 constexpr int kWidth = 734, kHeight = 510, kEofWidth = 220, kNames = 110;
 
-class Quiet final : public Dialogs {
- public:
-  std::optional<std::string> OpenFileName(const std::string&) override { return std::nullopt; }
-  std::optional<std::string> SaveFileName(const std::string&) override { return std::nullopt; }
-  void Message(const std::string&, const std::string&) override {}
-  bool Question(const std::string&, const std::string&) override { return true; }
-};
-
 Session& Core() {
   static std::unique_ptr<Session> session = [] {
-    auto s = std::make_unique<Session>();
-    QTemporaryDir dir;
-    const std::string ref = dir.path().toStdString() + "/reference.csv";
-    const std::string fos = dir.path().toStdString() + "/fossil.csv";
-    std::ofstream(ref, std::ios::binary) << bench::SyntheticTable(kSites, kTaxa, 21, false);
-    std::ofstream(fos, std::ios::binary) << bench::SyntheticTable(kSamples, kTaxa, 22, true);
-    Quiet dialogs;
-    NoProgress progress;
-    s->DisplayAxes.ReDim(3);
-    s->EnvelopeAxes.ReDim(3);
-    for (Count i = 1; i <= 3; ++i) s->DisplayAxes(i) = s->EnvelopeAxes(i) = i;
-    if (!ImportReference(*s, ref, dialogs, progress).Ok) std::abort();
-    ApplyPreTreatment(*s, PreTreatmentSettings{}, progress);
-    if (!ImportFossil(*s, fos, dialogs, progress).Ok || !s->ProjectionDone) std::abort();
+    auto s = bench::AnalysedSyntheticSession(kSites, kSamples, kTaxa, 21, 22);
     // Every fifth sample outside the envelope, so that both colours are drawn.
     for (long i = 1; i <= kSamples; i += 5) s->SampleIsOut(i) = 1;
     return s;

@@ -6,12 +6,9 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
-#include <QTemporaryDir>
-#include <fstream>
 #include <memory>
 
-#include "Synthetic.h"
-#include "eof/PreTreatment.h"
+#include "BenchSession.h"
 #include "presentation/Colours.h"
 #include "presentation/Scatter.h"
 #include "state/Import.h"
@@ -22,35 +19,10 @@ namespace {
 
 constexpr int kTaxa = 300, kSites = 8000, kSamples = 1000, kSide = 320;
 
-class Silent final : public Dialogs {
- public:
-  std::optional<std::string> OpenFileName(const std::string&) override { return std::nullopt; }
-  std::optional<std::string> SaveFileName(const std::string&) override { return std::nullopt; }
-  void Message(const std::string& text, const std::string&) override {
-    std::fprintf(stderr, "%s\n", text.c_str());
-  }
-  bool Question(const std::string&, const std::string&) override { return true; }
-};
-
 // The analysed session, built once through the program's own road.
 Session& Analysed() {
-  static std::unique_ptr<Session> session = [] {
-    auto s = std::make_unique<Session>();
-    QTemporaryDir dir;
-    const std::string ref = dir.path().toStdString() + "/reference.csv";
-    const std::string fos = dir.path().toStdString() + "/fossil.csv";
-    std::ofstream(ref, std::ios::binary) << bench::SyntheticTable(kSites, kTaxa, 11, false);
-    std::ofstream(fos, std::ios::binary) << bench::SyntheticTable(kSamples, kTaxa, 12, true);
-    Silent dialogs;
-    NoProgress progress;
-    s->DisplayAxes.ReDim(3);
-    s->EnvelopeAxes.ReDim(3);
-    for (Count i = 1; i <= 3; ++i) s->DisplayAxes(i) = s->EnvelopeAxes(i) = i;
-    if (!ImportReference(*s, ref, dialogs, progress).Ok) std::abort();
-    ApplyPreTreatment(*s, PreTreatmentSettings{}, progress);
-    if (!ImportFossil(*s, fos, dialogs, progress).Ok || !s->ProjectionDone) std::abort();
-    return s;
-  }();
+  static std::unique_ptr<Session> session =
+      bench::AnalysedSyntheticSession(kSites, kSamples, kTaxa, 11, 12);
   return *session;
 }
 

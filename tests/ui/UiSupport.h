@@ -11,8 +11,8 @@
 #include <memory>
 #include <string>
 
+#include "PixelSupport.h"
 #include "presentation/Colours.h"
-#include "presentation/Surface.h"
 #include "state/Session.h"
 #include "ui/ScriptedDialogs.h"
 #include "ui/frmCorrelVar.h"
@@ -72,32 +72,6 @@ struct MainFixture {
     ImportFossil(Example("fossil.csv"));
   }
 };
-
-// Whether a pixel of `colour` stands within `px` pixels of the user point.
-inline bool IsWhite(const QColor& c) { return c == QColor(255, 255, 255); }
-
-inline bool Near(const Surface& s, double x, double y, const QColor& colour, int px = 1) {
-  const QPointF p = s.ToPixel(x, y);
-  const QImage& img = s.Image();
-  for (int dy = -px; dy <= px; ++dy)
-    for (int dx = -px; dx <= px; ++dx) {
-      const int ix = int(std::floor(p.x())) + dx, iy = int(std::floor(p.y())) + dy;
-      if (ix >= 0 && iy >= 0 && ix < img.width() && iy < img.height() &&
-          img.pixelColor(ix, iy) == colour)
-        return true;
-    }
-  return false;
-}
-
-inline int Inked(const Surface& s, double x1, double y1, double x2, double y2) {
-  QRectF r = QRectF(s.ToPixel(x1, y1), s.ToPixel(x2, y2)).normalized();
-  const QImage& img = s.Image();
-  int n = 0;
-  for (int y = std::max(0, int(r.top())); y <= std::min(img.height() - 1, int(r.bottom())); ++y)
-    for (int x = std::max(0, int(r.left())); x <= std::min(img.width() - 1, int(r.right())); ++x)
-      if (!IsWhite(img.pixelColor(x, y))) ++n;
-  return n;
-}
 
 // The reference site whose mark stands farthest from every other mark.
 inline long LoneSite(const Session& s, bool withFossil) {

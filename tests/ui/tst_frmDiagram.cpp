@@ -21,6 +21,7 @@
 #include <cmath>
 #include <memory>
 
+#include "PixelSupport.h"
 #include "diagram/Coniss.h"
 #include "envelope/Envelope.h"
 #include "eof/PreTreatment.h"
@@ -34,6 +35,8 @@
 using namespace varnoth;
 
 namespace {
+
+using varnoth::uitest::Near;
 
 const char* kReference =
     "Site,A,B,Cae\r\nS1,50,30,20\r\nS2,20,60,20\r\nS3,30,30,40\r\nS4,60,20,20\r\n"
@@ -101,20 +104,6 @@ struct Fixture {
   }
   double Y(long i) { return SamplePosition(s, i); }
 };
-
-// True when a pixel of that colour lies within `px` pixels of (x, y).
-bool Near(const Surface& sf, double x, double y, const QColor& colour, int px = 1) {
-  const QPointF p = sf.ToPixel(x, y);
-  const QImage& img = sf.Image();
-  for (int dy = -px; dy <= px; ++dy)
-    for (int dx = -px; dx <= px; ++dx) {
-      const int ix = int(std::floor(p.x())) + dx, iy = int(std::floor(p.y())) + dy;
-      if (ix >= 0 && iy >= 0 && ix < img.width() && iy < img.height() &&
-          img.pixelColor(ix, iy) == colour)
-        return true;
-    }
-  return false;
-}
 
 QColor Curve(const Fixture& f) { return f.colours.DiagramCurveColour.ToQColor(); }
 QColor Mark(const Fixture& f) { return f.colours.SmoothCurveColour.ToQColor(); }
