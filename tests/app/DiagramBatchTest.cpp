@@ -10,6 +10,8 @@
 
 namespace {
 
+using varnoth::test::Lines;
+
 using varnoth::test::BatchRun;
 
 namespace fs = std::filesystem;
@@ -20,17 +22,6 @@ std::string Data(const std::string& name) {
 
 std::string Tables(const std::string& fossil) {
   return "--reference \"" + Data("reference.csv") + "\" --fossil \"" + Data(fossil) + "\"";
-}
-
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream in(text);
-  std::string line;
-  while (std::getline(in, line)) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    lines.push_back(line);
-  }
-  return lines;
 }
 
 }  // namespace

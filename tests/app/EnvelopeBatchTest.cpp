@@ -11,6 +11,8 @@
 
 namespace {
 
+using varnoth::test::Lines;
+
 using varnoth::test::BatchRun;
 
 namespace fs = std::filesystem;
@@ -21,17 +23,6 @@ std::string Data(const std::string& name) {
 
 const std::string kTables =
     "--reference \"" + Data("reference.csv") + "\" --fossil \"" + Data("fossil.csv") + "\"";
-
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream in(text);
-  std::string line;
-  while (std::getline(in, line)) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    lines.push_back(line);
-  }
-  return lines;
-}
 
 // The state field of each sample line of the fossil score file.
 std::vector<std::string> States(const std::string& scoreFile) {

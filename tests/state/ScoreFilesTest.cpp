@@ -14,20 +14,6 @@ using namespace varnoth::test;
 
 namespace {
 
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> out;
-  std::size_t start = 0;
-  for (;;) {
-    std::size_t end = text.find("\r\n", start);
-    if (end == std::string::npos) {
-      if (start < text.size()) out.push_back(text.substr(start));
-      return out;
-    }
-    out.push_back(text.substr(start, end - start));
-    start = end + 2;
-  }
-}
-
 struct ScoreFiles : ::testing::Test {
   TempDir dir;
   FakeDialogs dialogs;
@@ -36,9 +22,9 @@ struct ScoreFiles : ::testing::Test {
   FileStamp stamp{"2026-01-02", "03:04:05"};
 
   void Road(const std::string& fossilHeader, std::deque<bool> answers) {
-    ASSERT_TRUE(ImportReference(s, dir.Write("ref.csv", MakeTable(3, 5, true, Varied)), dialogs,
-                                progress)
-                    .Ok);
+    ASSERT_TRUE(
+        ImportReference(s, dir.Write("ref.csv", MakeTable(3, 5, true, Varied)), dialogs, progress)
+            .Ok);
     ApplyPreTreatment(s, PreTreatmentSettings{}, progress);
     dialogs.QuestionAnswers = std::move(answers);
     std::string fossil = fossilHeader + "\n0,1,2,3\n10,4,5,6\n20,7,8,9\n";
@@ -83,7 +69,8 @@ TEST_F(ScoreFiles, ReferenceScoreFile) {
   EXPECT_EQ(lines[7], "\"No. of reference sites: \",5");
   EXPECT_EQ(lines[8], "\"EOF No.:\",1,2,3");
   EXPECT_EQ(lines[10], "\"S1\"," + FormatGeneral(s.RefScores(1, 1)) + "," +
-                           FormatGeneral(s.RefScores(1, 2)) + "," + FormatGeneral(s.RefScores(1, 3)));
+                           FormatGeneral(s.RefScores(1, 2)) + "," +
+                           FormatGeneral(s.RefScores(1, 3)));
 }
 
 TEST_F(ScoreFiles, FossilFileBeforeTheEnvelope) {
@@ -144,7 +131,8 @@ TEST_F(ScoreFiles, EnvelopeAxesMarkTheColumns) {
 }
 
 TEST_F(ScoreFiles, FossilBaseWritesNotApplicable) {
-  ASSERT_TRUE(ImportFossil(s, dir.Write("f.csv", MakeTable(3, 5, false, Varied)), dialogs, progress).Ok);
+  ASSERT_TRUE(
+      ImportFossil(s, dir.Write("f.csv", MakeTable(3, 5, false, Varied)), dialogs, progress).Ok);
   PreTreatmentSettings p;
   p.Enhance = true;
   p.SquareRoot = false;

@@ -1,9 +1,10 @@
 #include "support/TestSupport.h"
 
+#include <unistd.h>
+
 #include <atomic>
 #include <fstream>
 #include <sstream>
-#include <unistd.h>
 
 namespace varnoth::test {
 
@@ -34,11 +35,20 @@ std::string ReadFile(const std::string& path) {
   return s.str();
 }
 
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  std::string line;
+  while (std::getline(in, line)) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    lines.push_back(line);
+  }
+  return lines;
+}
+
 std::string TestData(const std::string& relative) {
   return std::string(VARNOTH_TEST_DATA) + "/" + relative;
 }
-std::string Example(const std::string& name) {
-  return std::string(VARNOTH_EXAMPLES) + "/" + name;
-}
+std::string Example(const std::string& name) { return std::string(VARNOTH_EXAMPLES) + "/" + name; }
 
 }  // namespace varnoth::test

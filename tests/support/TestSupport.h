@@ -61,6 +61,8 @@ class TempDir {
 };
 
 std::string ReadFile(const std::string& path);
+// The lines of a text, without their line ends (CR LF or LF).
+std::vector<std::string> Lines(const std::string& text);
 std::string TestData(const std::string& relative);
 std::string Example(const std::string& name);
 
