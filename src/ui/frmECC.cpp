@@ -176,7 +176,10 @@ bool frmECC::Load() {
     if (!dialogs_.Question("Please import climate file.", "Varnoth")) return false;
     const ClimateImportResult read =
         Inport_climate_data(s_, dialogs_.OpenFileName(kDataFileFilter), dialogs_);
-    if (read.Failure) throw RuntimeFailure(*read.Failure);
+    // A cancelled dialog or a file that cannot be opened ends quietly.
+    if (read.Failure && *read.Failure != FailureKind::Cancelled &&
+        *read.Failure != FailureKind::FileNotFound)
+      throw RuntimeFailure(*read.Failure);
     if (!read.Ok) return false;
   }
   EccMatrix = EccCorrelationMatrix(s_, progress_);
