@@ -542,6 +542,22 @@ class tst_frmECC : public QObject {
     QVERIFY(!f.Ecc().EccOpen);
     QCOMPARE(f.ended, 1);
   }
+
+  void quitClosesItBeforeTheDiagram() {
+    EccFixture f;
+    f.Open(true);
+    struct Recorder : QObject {
+      QStringList Closed;
+      bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Close) Closed << watched->objectName();
+        return false;
+      }
+    } recorder;
+    f.Diagram().installEventFilter(&recorder);
+    f.Ecc().installEventFilter(&recorder);
+    f.window->QuitProgram();
+    QCOMPARE(recorder.Closed, QStringList({"frmECC", "frmDiagram"}));
+  }
 };
 
 QTEST_MAIN(tst_frmECC)
