@@ -156,6 +156,14 @@ int InStrip(const Surface& s, double x, const QColor& colour) {
   return n;
 }
 
+// With VARNOTH_SHOTS set to a folder, the window as a case left it.
+void Shot(QWidget* w, const char* name) {
+  const QByteArray folder = qgetenv("VARNOTH_SHOTS");
+  if (folder.isEmpty()) return;
+  QCoreApplication::processEvents();
+  w->grab().save(QString::fromLocal8Bit(folder) + "/" + name + ".png");
+}
+
 }  // namespace
 
 class tst_frmECC : public QObject {
@@ -310,6 +318,7 @@ class tst_frmECC : public QObject {
     QVERIFY(bottom > -9999);
     QCOMPARE(w.Text1[0]->text().toDouble(), bottom);
     QVERIFY(pic.ToPixel(0, -9999).y() > pic.Height());
+    Shot(&w, "ecc-missing-value");
   }
 
   void anEmptySampleDrawsNoLine() {
@@ -454,6 +463,7 @@ class tst_frmECC : public QObject {
     f.Click(0, 0);
     QCOMPARE(w.EccClimate, varnoth::Count(2));
     QCOMPARE(w.Label2[1]->text(), QString("P2"));
+    Shot(&w, "ecc-six-parameters");
   }
 
   void theSliderFollowsTheDiagramBothWays() {
