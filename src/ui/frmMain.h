@@ -41,6 +41,7 @@ class frmAbout1;
 class frmTest;
 class frmControl;
 class frmDiagram;
+class frmECC;
 
 // Windows are closed by QuitProgram in this order; later tools add theirs.
 enum class WindowOrder {
@@ -94,6 +95,7 @@ class frmMain : public QMainWindow {
   frmTest* TestForm();
   frmControl* ControlPanel();
   frmDiagram* DiagramWindow();
+  frmECC* EccWindow();
   // What ends the process after the windows are closed.
   void SetEndProgram(std::function<void()> end) { endProgram_ = std::move(end); }
 
@@ -187,6 +189,7 @@ class frmMain : public QMainWindow {
   QPointer<frmTest> test_;
   QPointer<frmControl> control_;
   QPointer<frmDiagram> diagram_;
+  QPointer<frmECC> ecc_;
 
   QTimer timer1_, timer2_;
 
