@@ -9,6 +9,19 @@ namespace varnoth {
 
 namespace {
 
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && \
+    !defined(__SANITIZE_ADDRESS__)
+#define VARNOTH_CLONES __attribute__((target_clones("avx2", "default")))
+#else
+#define VARNOTH_CLONES
+#endif
+
+// y[j] += a * x[j]: one multiply and one add per element, in single
+// precision, so every vector width gives the same sums.
+VARNOTH_CLONES void AddScaled(float* __restrict y, const float* __restrict x, float a, long n) {
+  for (long j = 0; j < n; ++j) y[j] += a * x[j];
+}
+
 constexpr long kN = kGridLast + 1;  // 251 bins
 
 // Slot s as one row-major block of 251 x 251, after one bounds check.
@@ -114,8 +127,7 @@ void MultipleMatrix(CalibState& m, int a, int b, int c, int pic, float z, Progre
     for (long k = 0; k < kN; ++k) {
       const float f = rowB[k];
       if (f == 0.0f && finite) continue;
-      const float* rowA = ma + k * kN;
-      for (long j = 0; j < kN; ++j) sum[j] += f * rowA[j];
+      AddScaled(sum, ma + k * kN, f, kN);
     }
     std::copy(acc.begin(), acc.end(), mc + i * kN);
     if (painter && Shown(i))
