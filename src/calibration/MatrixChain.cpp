@@ -406,6 +406,16 @@ bool RerunAfter(CalibState& c, const CalibSettings& st, ChainChange change,
   return true;
 }
 
+bool CatchUp(CalibState& c, const CalibSettings& st, int pictureIndex, const ChainContext& ctx) {
+  static const ChainStep steps[] = {ChainStep::GaussianModel, ChainStep::DescreteModel,
+                                    ChainStep::Smoothing,     ChainStep::NormalizeH,
+                                    ChainStep::NormalizeV,    ChainStep::BuildConfidence};
+  if (pictureIndex < 0 || pictureIndex > 5 || pictureIndex == 4) return false;
+  if (c.PictDrawn[pictureIndex + 3]) return false;
+  RunChainFrom(c, st, steps[pictureIndex], ctx);
+  return true;
+}
+
 void ResetFrom(CalibState& c, int firstFigure) {
   for (int f = firstFigure; f <= 8; ++f) c.PictDrawn[f] = false;
   c.ReturnEnabled = false;

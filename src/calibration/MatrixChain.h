@@ -92,6 +92,12 @@ enum class ChainChange {
 bool RerunAfter(CalibState& c, const CalibSettings& st, ChainChange change,
                 const ChainContext& ctx);
 
+// A click on a blank figure of Picture2(index) catches up from its step:
+// 0 the fitted model, 1 the product, 2 the smoothing, 3 the normalisation
+// per Vobs bin, 5 the confidence regions. False when the figure is drawn
+// already or the index has no step of its own.
+bool CatchUp(CalibState& c, const CalibSettings& st, int pictureIndex, const ChainContext& ctx);
+
 // Clears figures from Fig.`firstFigure` on, disables "Return" and takes back
 // what the reconstruction window received.
 void ResetFrom(CalibState& c, int firstFigure);

@@ -90,7 +90,10 @@ void TransferData(CalibState& c, const Session& s, const std::string& dialogFile
   c.Labels.Label15[0] = c.PairLabels[2];
   c.Labels.Label21[0] = dialogFileName;
   ShowFit(c, 0);
-  if (interpolated) FitPairSet1(c);
+  if (interpolated) {
+    c.Labels.Label12[1] = std::to_string(interpolated->AccuracyCount);
+    FitPairSet1(c);
+  }
 }
 
 bool ImportPairFile(CalibState& c, int k, const std::string& path) {

@@ -21,6 +21,7 @@ struct InterpolatedPairs {
   std::function<std::string(long c)> InterpParamNames;
   std::function<double(long s, long c)> InterpRefEstimate, InterpRefClimate;
   std::string ParameterShown;  // the text of the reconstruction window's list
+  long AccuracyCount = 0;      // pairs of the accuracy check, shown as Label12(1)
 };
 
 // Fills pair set 0 from the leave-one-out estimates and the climate data of

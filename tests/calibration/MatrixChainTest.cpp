@@ -411,3 +411,20 @@ TEST(MatrixChain, ReturnAddsClassesAndProbabilities) {
   c.Labels.Label13 = {"0.9", "0.8"};
   EXPECT_EQ(ReturnCaption(c), "R1 = 0.9 / R2 = 0.8");
 }
+
+TEST(MatrixChain, ABlankFigureCatchesUpFromItsStep) {
+  CalibState c = Ranged();
+  const long sites = SetPairs(c, NoisyPairs(200, 14));
+  CalibSettings st;
+  RunGenerated(c, st, sites);
+  ChainContext ctx;
+  ctx.RefSiteCount = sites;
+  EXPECT_FALSE(CatchUp(c, st, 2, ctx));  // Fig.5 is drawn
+  EXPECT_FALSE(CatchUp(c, st, 4, ctx));  // Fig.7 opens the chart instead
+  ResetFrom(c, 6);
+  for (long p = 0; p < N; ++p) M(c, 7, p, 100) = 9;
+  EXPECT_TRUE(CatchUp(c, st, 3, ctx));
+  EXPECT_TRUE(c.PictDrawn[8]);
+  EXPECT_NE(M(c, 7, 125, 100), 9.0f);
+  EXPECT_FALSE(c.ReturnEnabled);
+}

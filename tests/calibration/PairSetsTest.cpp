@@ -129,64 +129,6 @@ TEST(PairFile, BadInputEndsQuietlyKeepingTheRowsRead) {
   EXPECT_FALSE(ImportPairFile(c, 0, dir.Path("missing.csv")));
 }
 
-namespace {
-
-struct Xorshift {
-  std::uint32_t state;
-  std::uint32_t Next() {
-    state ^= state << 13;
-    state ^= state >> 17;
-    state ^= state << 5;
-    return state;
-  }
-};
-
-std::string Mutate(std::string text, Xorshift& rng) {
-  static const char* const pieces[] = {",",  "\n",   "\"",   " ",        "1e400", "-9999", "abc",
-                                       ",,", "\r\n", "12.0", "\x01\xff", "-",     "1e38"};
-  const int edits = 1 + static_cast<int>(rng.Next() % 4);
-  for (int e = 0; e < edits && !text.empty(); ++e) {
-    const std::size_t at = rng.Next() % text.size();
-    switch (rng.Next() % 4) {
-      case 0:
-        text.erase(at, 1 + rng.Next() % 20);
-        break;
-      case 1:
-        text.insert(at, pieces[rng.Next() % std::size(pieces)]);
-        break;
-      case 2:
-        text[at] = static_cast<char>(rng.Next() & 0xFF);
-        break;
-      default:
-        text.resize(at);
-    }
-  }
-  return text;
-}
-
-}  // namespace
-
-TEST(PairFile, MutatedFilesNeverCrashAndCompletedOnesCountTheirPairs) {
-  TempDir dir;
-  std::string base = "Vest,Vobs\r\n";
-  for (int i = 0; i < 60; ++i)
-    base += FormatGeneral(i * 0.25) + "," + FormatGeneral(i * 0.25 + (i % 5) * 0.1) + "\r\n";
-  Xorshift rng{77};
-  int completed = 0;
-  const float unread = 12345.5f;
-  for (int round = 0; round < 400; ++round) {
-    CalibState c;
-    for (long s = 1; s <= 200; ++s) c.PairData(1, s, 1) = c.PairData(1, s, 2) = unread;
-    if (!ImportPairFile(c, 1, dir.Write("m.csv", Mutate(base, rng)))) continue;
-    ++completed;
-    long complete = 0;
-    for (long s = 1; s <= 200 && c.PairData(1, s, 1) != unread; ++s)
-      if (c.PairData(1, s, 1) != -9999.0f && c.PairData(1, s, 2) != -9999.0f) ++complete;
-    EXPECT_EQ(std::to_string(complete), c.Labels.Label12[1]);
-  }
-  EXPECT_GT(completed, 50);
-}
-
 TEST(Range, EqualEndsShowTheMessageAndKeepTheOldRange) {
   CalibState c;
   SetTestRange(c, "0", "10");
@@ -266,4 +208,61 @@ TEST(TransferData, TakesTheLeaveOneOutPairsOfTheCurrentParameter) {
   EXPECT_FLOAT_EQ(d.FitSlope[0], static_cast<float>(0.5 / 2.0625));
   EXPECT_FLOAT_EQ(d.FitIntercept[0], static_cast<float>(1.5 - 2 * (0.5 / 2.0625)));
   EXPECT_EQ(d.Labels.Label13[0], "0.4924");  // 0.5 / sqrt(2.0625 * 0.5)
+}
+
+TEST(TransferData, TakesTheInterpolationToolsPairsByColumnName) {
+  Session s;
+  s.RefSiteCount = 0;
+  s.ClimateParamCount = 1;
+  s.ClimateParamNames.ReDim(1);
+  s.ClimateParamNames(1) = "Rain";
+  s.ReconRefValue.ReDim(0, 1);
+  s.ClimateData.ReDim(0, 1);
+  s.CurrentParameter = 1;
+  InterpolatedPairs tool;
+  tool.InterpColumnCount = 6;
+  tool.InterpRefCount = 3;
+  tool.ParameterShown = "Rain";
+  tool.InterpParamNames = [](long c) {
+    return c == 5 ? std::string("Rain") : "P" + std::to_string(c);
+  };
+  tool.InterpRefEstimate = [](long s, long c) { return 10.0 * c + s; };
+  tool.InterpRefClimate = [](long s, long c) { return 100.0 * c + 2 * s; };
+  tool.AccuracyCount = 3;
+  CalibState c;
+  TransferData(c, s, "", &tool);
+  EXPECT_EQ(c.Labels.Label12[1], "3");
+  for (long r = 1; r <= 3; ++r) {
+    EXPECT_EQ(c.PairData(1, r, 1), static_cast<float>(50 + r));
+    EXPECT_EQ(c.PairData(1, r, 2), static_cast<float>(500 + 2 * r));
+  }
+  // Its line follows at once: y = 2x + 400.
+  EXPECT_FLOAT_EQ(c.FitSlope[1], 2.0f);
+  EXPECT_FLOAT_EQ(c.FitIntercept[1], 400.0f);
+  EXPECT_EQ(c.Labels.Label17, "y = 2 x + 400");
+}
+
+TEST(GeneratedModel, LabelsShowTheModelAndComeBackAfterwards) {
+  CalibState c;
+  SetTestRange(c, "0", "10");
+  c.Labels.Label12[1] = "57";
+  c.Labels.Label13[1] = "0.9";
+  c.Labels.Label15[0] = "(Estimated)T";
+  c.Labels.Label21[1] = "vv.csv";
+  CalibSettings st;
+  st.Slider4 = 4;
+  NoProgress progress;
+  UseGeneratedModel(c, st, progress);
+  EXPECT_EQ(c.Labels.Label12[1], "");
+  EXPECT_EQ(c.Labels.Label13[1], "");
+  EXPECT_EQ(c.Labels.Label14[1], "(Estimated)T");
+  EXPECT_EQ(c.Labels.Label15[1], "Error model");
+  EXPECT_EQ(c.Labels.Label21[1], "Generated error model");
+  EXPECT_FLOAT_EQ(c.FitStdDev[1], 0.4f);
+  EXPECT_TRUE(c.PictDrawn[3]);
+  ResetModel(c);
+  EXPECT_EQ(c.Labels.Label12[1], "57");
+  EXPECT_EQ(c.Labels.Label15[1], "");
+  EXPECT_EQ(c.Labels.Label17, "");
+  EXPECT_EQ(c.Labels.Label21[1], "");
 }
