@@ -101,6 +101,10 @@ void RunCalibrationStep(Context& ctx) {
 
   // The range the reconstruction window shows for the parameter.
   const ScaleLimits limits = CurveLimits(s, p);
+  if (limits.NoAnalogues && !(o.Has("--t1") && o.Has("--t2")))
+    Stop(name +
+         ": no analogues through the whole sequence, so the curve has no range; give "
+         "--t1 and --t2.");
   CalibState c;
   c.Text1 = o.Has("--t1") ? o.Get("--t1") : FormatGeneral(limits.Low);
   c.Text2 = o.Has("--t2") ? o.Get("--t2") : FormatGeneral(limits.High);
