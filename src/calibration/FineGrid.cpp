@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "calibration/MatrixChain.h"
 #include "state/Format.h"
 
 namespace varnoth {
@@ -87,20 +88,8 @@ void PrepareChart(const CalibState& c, const CalibSettings& st, FineGrid& fine) 
   for (long pf = kFineFirstShown; pf <= kFineLastShown; ++pf) {
     const float total = totals[pf];
     if (!(total > 0)) continue;
-    float level1 = 0, level2 = 0, d1 = 1, d2 = 1;
-    for (int k = 1; k <= 10; ++k) {
-      const double delta = static_cast<double>(peaks[pf]) / std::pow(2.0, k);
-      level1 = ToSingle(level1 + d1 * delta);
-      level2 = ToSingle(level2 + d2 * delta);
-      float mass1 = 0, mass2 = 0;
-      for (long qf = 0; qf <= kFineLast; ++qf) {
-        const float v = prob(pf, qf);
-        if (v > level1) mass1 += v;
-        if (v > level2) mass2 += v;
-      }
-      d1 = coefficient1 < static_cast<double>(mass1 / total) ? 1.0f : -1.0f;
-      d2 = coefficient2 < static_cast<double>(mass2 / total) ? 1.0f : -1.0f;
-    }
+    const auto [level1, level2] = ConfidenceLevels(prob.Row(pf, kFineLast), kFineLast + 1,
+                                                   peaks[pf], total, coefficient1, coefficient2);
     fine.FineLevel(pf, 1) = level1;
     fine.FineLevel(pf, 2) = level2;
     for (long qf = 0; qf <= kFineLast; ++qf) {

@@ -267,21 +267,8 @@ void BuildConfidence(CalibState& c, const CalibSettings& st, CalibPainter* paint
     }
     if (!(total > 0)) continue;
     // Ten halvings towards the level that holds the coefficient's mass.
-    float level1 = 0, level2 = 0;
-    float d1 = 1, d2 = 1;
-    for (int k = 1; k <= 10; ++k) {
-      const double delta = static_cast<double>(peak) / std::pow(2.0, k);
-      level1 = ToSingle(level1 + d1 * delta);
-      level2 = ToSingle(level2 + d2 * delta);
-      float mass1 = 0, mass2 = 0;
-      for (long q = 0; q < kN; ++q) {
-        const float v = std::fabs(col[q]);
-        if (v > level1) mass1 += v;
-        if (v > level2) mass2 += v;
-      }
-      d1 = coefficient1 < static_cast<double>(mass1 / total) ? 1.0f : -1.0f;
-      d2 = coefficient2 < static_cast<double>(mass2 / total) ? 1.0f : -1.0f;
-    }
+    const auto [level1, level2] =
+        ConfidenceLevels(col, kN, peak, total, coefficient1, coefficient2);
     c.ConfidenceLevel(p, 1) = level1;
     c.ConfidenceLevel(p, 2) = level2;
     for (long q = 0; q < kN; ++q) {
@@ -301,6 +288,27 @@ void BuildConfidence(CalibState& c, const CalibSettings& st, CalibPainter* paint
     }
   }
   c.PictDrawn[8] = true;
+}
+
+std::pair<float, float> ConfidenceLevels(const float* column, long count, float peak, float total,
+                                         double coefficient1, double coefficient2) {
+  float level1 = 0, level2 = 0;
+  float d1 = 1, d2 = 1;
+  for (int k = 1; k <= 10; ++k) {
+    const double delta = static_cast<double>(peak) / std::pow(2.0, k);
+    level1 = ToSingle(level1 + d1 * delta);
+    level2 = ToSingle(level2 + d2 * delta);
+    float mass1 = 0, mass2 = 0;
+    for (long q = 0; q < count; ++q) {
+      const float v = std::fabs(column[q]);
+      if (v > level1) mass1 += v;
+      if (v > level2) mass2 += v;
+    }
+    // Too much mass inside raises the level, too little lowers it.
+    d1 = coefficient1 < static_cast<double>(mass1 / total) ? 1.0f : -1.0f;
+    d2 = coefficient2 < static_cast<double>(mass2 / total) ? 1.0f : -1.0f;
+  }
+  return {level1, level2};
 }
 
 void FitSusono(const CalibState& c, bool greyMode, CalibPainter* painter) {

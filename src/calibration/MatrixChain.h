@@ -4,6 +4,8 @@
 // both axes, the median, mode and confidence regions of every column. Each
 // step that the window paints takes an optional painter; without one it
 // only computes.
+#include <utility>
+
 #include "calibration/CalibState.h"
 #include "state/Dialogs.h"
 
@@ -45,6 +47,12 @@ void NormalizeH(CalibState& c, const CalibSettings& st, CalibPainter* painter = 
 void NormalizeV(CalibState& c, const CalibSettings& st, CalibPainter* painter = nullptr);
 void BuildConfidence(CalibState& c, const CalibSettings& st, CalibPainter* painter = nullptr);
 void FitSusono(const CalibState& c, bool greyMode, CalibPainter* painter);
+
+// The two levels of a column found by ten halvings of its peak: the levels
+// above which the column holds the two coefficients (fractions) of its
+// total, to a 1024th of the peak.
+std::pair<float, float> ConfidenceLevels(const float* column, long count, float peak, float total,
+                                         double coefficient1, double coefficient2);
 
 // Check4 ticked: the pair set 1 labels show the model and slot 1 holds it.
 void UseGeneratedModel(CalibState& c, const CalibSettings& st, Progress& progress,
