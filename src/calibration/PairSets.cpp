@@ -199,10 +199,24 @@ void FitPairSet1(CalibState& c) {
   c.Labels.Label13[1] = RoundedText(c.FitCorrelation[1], 4);
 }
 
-void ReturnData(CalibState& c) {
+void ReturnData(CalibState& c, bool confidenceView, MatrixPainter* painter) {
   for (long p = 0; p <= kGridLast; ++p)
     for (long q = 0; q <= kGridLast; ++q)
       c.CalibMatrix(8, p, q) = c.CalibMatrix(7, p, q) + c.CalibMatrix(6, p, q);
+  if (painter) {
+    painter->Clear();
+    for (long p = kShownFirst; p <= kShownLast; ++p)
+      for (long q = kShownFirst; q <= kShownLast; ++q) {
+        const float cls = std::fabs(c.CalibMatrix(7, p, q));
+        const int pi = static_cast<int>(p), qi = static_cast<int>(q);
+        if (confidenceView) {
+          if (cls >= 1) painter->Region(pi, qi, cls >= 2 ? 2 : 1);
+        } else if (cls != 0) {
+          painter->Probability(std::fabs(c.CalibMatrix(6, p, q)) * 1.25f * (200.0f / 10.0f), pi,
+                               qi);
+        }
+      }
+  }
   c.CalibReady = true;
 }
 

@@ -48,9 +48,22 @@ void FitLine(CalibState& c, int k);
 // correlation. Runs only with more than one pair.
 void FitPairSet1(CalibState& c);
 
+// The reconstruction window's matrix picture, scaled to the shown bins.
+class MatrixPainter {
+ public:
+  virtual ~MatrixPainter() = default;
+  virtual void Clear() = 0;
+  // cls 1 in the second, 2 or more in the first region colour.
+  virtual void Region(int p, int q, int cls) = 0;
+  // The rainbow colour of `value` (the probability times its colour
+  // factor; the painter applies the Z-axis enhancement).
+  virtual void Probability(float value, int p, int q) = 0;
+};
+
 // Slot 8 = slot 7 + slot 6 cell by cell, and the matrix is ready for the
-// reconstruction window.
-void ReturnData(CalibState& c);
+// reconstruction window, which shows the regions under its "Confidence"
+// choice and the probability where a region lies under "Probability".
+void ReturnData(CalibState& c, bool confidenceView = false, MatrixPainter* painter = nullptr);
 
 // The caption Command10 writes to the reconstruction window.
 std::string ReturnCaption(const CalibState& c);

@@ -428,3 +428,29 @@ TEST(MatrixChain, ABlankFigureCatchesUpFromItsStep) {
   EXPECT_NE(M(c, 7, 125, 100), 9.0f);
   EXPECT_FALSE(c.ReturnEnabled);
 }
+
+TEST(MatrixChain, ReturnPaintsRegionsOrTheProbabilityInsideThem) {
+  struct Counting : MatrixPainter {
+    int Clears = 0, Regions = 0, Inner = 0, Probabilities = 0;
+    void Clear() override { ++Clears; }
+    void Region(int, int, int cls) override {
+      ++Regions;
+      Inner += cls == 2;
+    }
+    void Probability(float, int, int) override { ++Probabilities; }
+  };
+  CalibState c = Ranged();
+  M(c, 7, 100, 100) = 3;
+  M(c, 6, 100, 100) = 0.5f;
+  M(c, 7, 100, 101) = -1;
+  M(c, 7, 10, 10) = 2;  // in the margin: not shown
+  Counting confidence, probability;
+  ReturnData(c, true, &confidence);
+  ReturnData(c, false, &probability);
+  EXPECT_EQ(confidence.Clears, 1);
+  EXPECT_EQ(confidence.Regions, 2);
+  EXPECT_EQ(confidence.Inner, 1);
+  EXPECT_EQ(confidence.Probabilities, 0);
+  EXPECT_EQ(probability.Probabilities, 2);
+  EXPECT_EQ(probability.Regions, 0);
+}
