@@ -22,11 +22,12 @@
 #include <numbers>
 
 #include "ui/PictureBox.h"
+#include "ui/ToolTips.h"
 #include "ui/frmAbout1.h"
 #include "ui/frmColor.h"
 #include "ui/frmControl.h"
-#include "ui/frmDiagram.h"
 #include "ui/frmCorrelVar.h"
+#include "ui/frmDiagram.h"
 #include "ui/frmTest.h"
 
 namespace varnoth {
@@ -84,6 +85,9 @@ frmMain::frmMain(Session& session, ColourSettings& colours, Dialogs& dialogs, QW
   BuildPopups();
   StartValues();
   ConnectEvents();
+  BuildStatusLine();
+  BuildShortcuts();
+  ExplainControls(this);
   // Figures of a readable size where the screen allows.
   QSize size(980, 720);
   if (const QScreen* screen = QGuiApplication::primaryScreen())
