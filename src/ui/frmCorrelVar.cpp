@@ -8,6 +8,7 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 #include <QWindow>
+#include <algorithm>
 
 #include "ui/ToolTips.h"
 #include "ui/WindowPlacement.h"
@@ -101,9 +102,13 @@ void frmCorrelVar::ApplyPreTreatment() {
 }
 
 void frmCorrelVar::Open() {
-  // The whole caption must fit in the title bar.
-  const int title = fontMetrics().horizontalAdvance(windowTitle()) + 120;
-  if (width() < title) resize(title, height());
+  // The whole caption must fit in the title bar, beside the frame's
+  // buttons.
+  QSize size = isVisible() || testAttribute(Qt::WA_Resized)
+                   ? this->size()
+                   : sizeHint().expandedTo(minimumSizeHint());
+  size.setWidth(std::max(size.width(), fontMetrics().horizontalAdvance(windowTitle()) + 160));
+  resize(size);
   PlaceCentredOn(this, &main_);
   winId();
   if (QWindow* own = windowHandle()) own->setTransientParent(main_.windowHandle());
