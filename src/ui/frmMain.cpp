@@ -23,6 +23,7 @@
 
 #include "ui/PictureBox.h"
 #include "ui/ToolTips.h"
+#include "ui/WindowPlacement.h"
 #include "ui/frmAbout1.h"
 #include "ui/frmColor.h"
 #include "ui/frmControl.h"
@@ -456,11 +457,13 @@ void frmMain::ConnectEvents() {
   connect(mnuQuit, &QAction::triggered, this, &frmMain::QuitProgram);
   connect(Command9, &QPushButton::clicked, this, [this] {
     frmTest* t = TestForm();
+    if (!t->isVisible()) PlaceCentredOn(t, this);
     t->show();
     t->raise();
   });
   connect(mnuAbout, &QAction::triggered, this, [this] {
     frmAbout1* a = AboutWindow();
+    if (!a->isVisible()) PlaceCentredOn(a, this);
     a->show();
     a->raise();
   });

@@ -1,13 +1,16 @@
 // Where dialogs and panels open: the placing rules on given rectangles,
 // and the real windows on the screen, each over or beside its owner.
+#include <QAction>
 #include <QGuiApplication>
 #include <QPushButton>
 #include <QScreen>
 
 #include "UiSupport.h"
 #include "ui/WindowPlacement.h"
+#include "ui/frmAbout1.h"
 #include "ui/frmControl.h"
 #include "ui/frmDiagram.h"
+#include "ui/frmTest.h"
 
 using namespace varnoth;
 using varnoth::uitest::MainFixture;
@@ -118,6 +121,23 @@ class tst_WindowPlacement : public QObject {
     const QRect screen = AvailableArea(f.window.get());
     QVERIFY(Within(Frame(d), screen));
     QVERIFY(BelongsTo(Frame(d), Frame(f.window.get())));
+  }
+
+  void aboutAndTestFormsOverTheMainWindow() {
+    MainFixture f;
+    f.window->resize(700, 500);
+    f.window->move(AvailableArea(f.window.get()).topLeft() + QPoint(30, 20));
+    const QRect screen = AvailableArea(f.window.get());
+    f.window->mnuAbout->trigger();
+    QWidget* about = f.window->AboutWindow();
+    QVERIFY(about->isVisible());
+    QVERIFY(Within(Frame(about), screen));
+    QCOMPARE(Frame(about).center(), Frame(f.window.get()).center());
+    f.window->Command9->click();
+    QWidget* test = f.window->TestForm();
+    QVERIFY(test->isVisible());
+    QVERIFY(Within(Frame(test), screen));
+    QCOMPARE(Frame(test).center(), Frame(f.window.get()).center());
   }
 };
 
