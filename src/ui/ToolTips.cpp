@@ -1,7 +1,5 @@
 #include "ui/ToolTips.h"
 
-#include <QAction>
-#include <QMenu>
 #include <QWidget>
 #include <map>
 #include <utility>
@@ -178,8 +176,6 @@ QStringList ExplainControls(QWidget* window) {
     }
     control->setToolTip(tip);
   }
-  // Menus show their entries' tips too.
-  for (QMenu* menu : window->findChildren<QMenu*>()) menu->setToolTipsVisible(true);
   return missing;
 }
 

@@ -72,6 +72,8 @@ QRect Beside(const QRect& owner, QSize size, const QRect& screen) {
   return OntoScreen(r, screen);
 }
 
+bool NeverPlaced(const QWidget* window) { return !window->testAttribute(Qt::WA_Moved); }
+
 QRect AvailableArea(const QWidget* window) {
   const QScreen* screen =
       window && window->screen() ? window->screen() : QGuiApplication::primaryScreen();

@@ -457,13 +457,13 @@ void frmMain::ConnectEvents() {
   connect(mnuQuit, &QAction::triggered, this, &frmMain::QuitProgram);
   connect(Command9, &QPushButton::clicked, this, [this] {
     frmTest* t = TestForm();
-    if (!t->isVisible()) PlaceCentredOn(t, this);
+    if (NeverPlaced(t)) PlaceCentredOn(t, this);
     t->show();
     t->raise();
   });
   connect(mnuAbout, &QAction::triggered, this, [this] {
     frmAbout1* a = AboutWindow();
-    if (!a->isVisible()) PlaceCentredOn(a, this);
+    if (NeverPlaced(a)) PlaceCentredOn(a, this);
     a->show();
     a->raise();
   });

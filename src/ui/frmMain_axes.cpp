@@ -72,9 +72,9 @@ void frmMain::ConnectAxisEvents() {
   auto open = [this] {
     boundary_.Run([this] {
       frmControl* panel = ControlPanel();
-      // A panel that opens afresh stands beside this window, on the side
+      // At its first opening the panel stands beside this window, on the side
       // with room, so that it hides none of the figures.
-      if (!panel->isVisible()) PlaceBeside(panel, this);
+      if (NeverPlaced(panel)) PlaceBeside(panel, this);
       panel->Open();
     });
   };

@@ -47,8 +47,8 @@ void frmMain::ConnectDiagramEvents() {
   connect(Command14, &QPushButton::clicked, this, [this] {
     boundary_.Run([this] {
       frmDiagram* d = DiagramWindow();
-      // A window that opens afresh stands over this one, on screen.
-      if (!d->isVisible()) PlaceOver(d, this, d->size());
+      // At its first opening the diagram stands over this window, on screen.
+      if (NeverPlaced(d)) PlaceOver(d, this, d->size());
       d->ShowDiagram();
     });
   });

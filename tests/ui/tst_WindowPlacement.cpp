@@ -139,6 +139,19 @@ class tst_WindowPlacement : public QObject {
     QVERIFY(Within(Frame(test), screen));
     QCOMPARE(Frame(test).center(), Frame(f.window.get()).center());
   }
+
+  void panelStaysWhereTheUserPutsIt() {
+    MainFixture f;
+    f.Road();
+    f.window->Command3->click();
+    QWidget* panel = f.window->ControlPanel();
+    const QPoint moved = AvailableArea(panel).topLeft() + QPoint(5, 7);
+    panel->move(moved);
+    panel->close();
+    f.window->Command3->click();
+    QVERIFY(panel->isVisible());
+    QCOMPARE(panel->pos(), moved);
+  }
 };
 
 QTEST_MAIN(tst_WindowPlacement)
