@@ -89,6 +89,10 @@ type_path "$EXAMPLES/fossil.csv"
 shot projected
 click Command11
 shot envelope
+# The tightest envelope: the test runs again and the status line follows.
+click Slider1
+key Home
+shot envelope-tight
 click Command3
 shot control-panel
 panel=$(xdotool search --onlyvisible --name '^Control panel$' | head -1 || true)

@@ -491,8 +491,8 @@ class tst_frmDiagram : public QObject {
     r = R::ApplyFrameRules(QSize(1000, 700), QSize(266, 240));
     QCOMPARE(r.Messages, 0);
     QCOMPARE(r.Size, QSize(1000, 700));
-    // This layout's margins: 314 pixels across. The window the Part would
-    // allow (4000 twips) shows no diagram; the rule restores a usable one.
+    // This layout's margins: 314 pixels across. A window of 4000 twips
+    // shows no diagram there; the rule restores a usable one.
     r = R::ApplyFrameRules(QSize(340, 700), QSize(314, 220));
     QCOMPARE(r.Messages, 1);
     QVERIFY(r.Size.width() - 314 >= 500 / 15);
