@@ -22,12 +22,15 @@
 #include <numbers>
 
 #include "ui/PictureBox.h"
+#include "ui/ToolTips.h"
+#include "ui/WindowPlacement.h"
 #include "ui/frmAbout1.h"
 #include "ui/frmColor.h"
 #include "ui/frmControl.h"
 #include "ui/frmDiagram.h"
 #include "ui/frmECC.h"
 #include "ui/frmCorrelVar.h"
+#include "ui/frmDiagram.h"
 #include "ui/frmTest.h"
 
 namespace varnoth {
@@ -85,6 +88,9 @@ frmMain::frmMain(Session& session, ColourSettings& colours, Dialogs& dialogs, QW
   BuildPopups();
   StartValues();
   ConnectEvents();
+  BuildStatusLine();
+  BuildShortcuts();
+  ExplainControls(this);
   // Figures of a readable size where the screen allows.
   QSize size(980, 720);
   if (const QScreen* screen = QGuiApplication::primaryScreen())
@@ -454,11 +460,13 @@ void frmMain::ConnectEvents() {
   connect(mnuQuit, &QAction::triggered, this, &frmMain::QuitProgram);
   connect(Command9, &QPushButton::clicked, this, [this] {
     frmTest* t = TestForm();
+    if (NeverPlaced(t)) PlaceCentredOn(t, this);
     t->show();
     t->raise();
   });
   connect(mnuAbout, &QAction::triggered, this, [this] {
     frmAbout1* a = AboutWindow();
+    if (NeverPlaced(a)) PlaceCentredOn(a, this);
     a->show();
     a->raise();
   });

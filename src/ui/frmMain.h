@@ -157,6 +157,12 @@ class frmMain : public QMainWindow {
   void StepAxisRing(bool next);
   void ChooseAxisChangeMode(bool automatic);
 
+  // Title, status line, tool tips and shortcuts, in frmMain_status.cpp.
+  void BuildStatusLine();
+  void BuildShortcuts();
+  void ShowPointer(int figure, const QPointF& pixel);
+  void SaveFocusedScore();
+
   // Display, in frmMain_scatter.cpp.
   void RedrawScatter(Count a, Count b, Count c);
   void SetStereo(bool on);
@@ -223,6 +229,16 @@ class frmMain : public QMainWindow {
   std::array<PictureBox*, 2> picture1_{}, picture2_{};
   PictureBox* picture3_ = nullptr;
   QWidget* partnerColumn1_ = nullptr;
+  QString referenceFile_, fossilFile_;  // names of the tables read
+  int focusedFigure_ = 2;               // the figure Ctrl+S saves from
+
+ public:
+  // The window's title: the program and the tables read, with their sizes.
+  void ShowTitle();
+  // The status line under the figures: how far the analysis has come.
+  void ShowAnalysisState();
+  QLabel *StatusState = nullptr, *StatusPointer = nullptr;
+  QAction *ImportNext = nullptr, *SaveScore = nullptr;
 };
 
 }  // namespace varnoth

@@ -1,6 +1,7 @@
 // Renders the windows of the program to PNG files with no display, after a
 // scripted road through the example data: for looking at what users see.
 //   varnoth-shots [output folder] [reference.csv fossil.csv]
+//   varnoth-shots --probe | --grab picture.png   (on a real X display)
 #include <QAction>
 #include <QApplication>
 #include <QButtonGroup>
@@ -12,6 +13,7 @@
 #include <QRadioButton>
 #include <QSlider>
 #include <cstdio>
+#include <string>
 
 #include "presentation/Colours.h"
 #include "state/Session.h"
@@ -68,7 +70,13 @@ void EccShots(varnoth::frmMain& w, varnoth::ScriptedDialogs& dialogs) {
 
 }  // namespace
 
+// On a real X display, in x11.cpp.
+int ProbeMainWindow(int argc, char* argv[]);
+int GrabScreen(int argc, char* argv[]);
+
 int main(int argc, char* argv[]) {
+  if (argc > 1 && std::string(argv[1]) == "--probe") return ProbeMainWindow(argc, argv);
+  if (argc > 1 && std::string(argv[1]) == "--grab") return GrabScreen(argc, argv);
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication app(argc, argv);
   g_folder = argc > 1 ? QString(argv[1]) : QString("shots");
