@@ -27,10 +27,9 @@
 #include "ui/frmAbout1.h"
 #include "ui/frmColor.h"
 #include "ui/frmControl.h"
-#include "ui/frmDiagram.h"
-#include "ui/frmECC.h"
 #include "ui/frmCorrelVar.h"
 #include "ui/frmDiagram.h"
+#include "ui/frmECC.h"
 #include "ui/frmTest.h"
 
 namespace varnoth {
