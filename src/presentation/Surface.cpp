@@ -89,9 +89,18 @@ void Surface::SetFontSize(double points) {
 
 void Surface::Line(double x1, double y1, double x2, double y2, const QColor& colour) {
   QPainter& p = Painter();
-  if (p.pen().color() != colour || p.pen().width() != 1 || p.pen().style() != Qt::SolidLine)
-    p.setPen(QPen(colour, 1));
+  if (p.pen().color() != colour || p.pen().width() != drawWidth_ ||
+      p.pen().style() != Qt::SolidLine)
+    p.setPen(QPen(colour, drawWidth_));
   p.drawLine(ToPixel(x1, y1), ToPixel(x2, y2));
+}
+
+void Surface::Point(double x, double y, const QColor& colour) {
+  QPainter& p = Painter();
+  const QPointF at = ToPixel(x, y);
+  const int left = static_cast<int>(std::floor(at.x())) - (drawWidth_ - 1) / 2;
+  const int top = static_cast<int>(std::floor(at.y())) - (drawWidth_ - 1) / 2;
+  p.fillRect(QRect(left, top, drawWidth_, drawWidth_), colour);
 }
 
 void Surface::Box(double x1, double y1, double x2, double y2, const QColor& colour) {

@@ -36,6 +36,7 @@ frmDiagram* frmMain::DiagramWindow() {
     connect(this, &frmMain::RangeChanged, diagram_.data(), &frmDiagram::FollowRange);
     connect(this, &frmMain::RedrawOthers, diagram_.data(), &frmDiagram::RedrawAll);
     connect(this, &frmMain::SampleChosen, diagram_.data(), &frmDiagram::MoveMarker);
+    LinkDiagramAndMAT();
   }
   return diagram_;
 }

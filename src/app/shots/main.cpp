@@ -19,6 +19,7 @@
 #include "ui/frmControl.h"
 #include "ui/frmCorrelVar.h"
 #include "ui/frmDiagram.h"
+#include "ui/frmMAT.h"
 #include "ui/frmMain.h"
 #include "ui/frmTest.h"
 
@@ -35,6 +36,25 @@ void Shot(QWidget* w, const char* name) {
   const QString path = g_folder + "/" + name + ".png";
   if (!w->grab().save(path)) std::fprintf(stderr, "could not write %s\n", qPrintable(path));
   std::printf("%s\n", qPrintable(path));
+}
+
+// The reconstruction of the example core: the curve with error bars and
+// smoothing, the widened window after the error model, in colour and grey.
+void ShotReconstruction(varnoth::frmMain& w, varnoth::ScriptedDialogs& dialogs) {
+  w.Command8->click();
+  varnoth::frmMAT* mat = w.MATWindow();
+  Shot(mat, "mat-start");
+  dialogs.OpenNames.push_back(std::string(VARNOTH_EXAMPLES_DIR) + "/climate.csv");
+  mat->Command1->click();
+  Shot(mat, "mat-curve");
+  mat->Check5->click();
+  Shot(mat, "mat-curve-error-bars");
+  mat->Command3->click();
+  Shot(mat, "mat-error-model");
+  w.mnuGrey->trigger();
+  Shot(mat, "mat-error-model-grey");
+  w.mnuColor->trigger();
+  mat->hide();
 }
 
 }  // namespace
@@ -118,10 +138,11 @@ int main(int argc, char* argv[]) {
   // The pollen diagram of the core in its five styles, then with CONISS.
   w.Command14->click();
   varnoth::frmDiagram* diagram = w.DiagramWindow();
-  const std::pair<QAction*, const char*> styles[] = {
-      {diagram->mnuBar, "diagram-bar"},     {diagram->mnuArea, "diagram-area"},
-      {diagram->mnuDot, "diagram-dot"},     {diagram->mnuCurve, "diagram-curve"},
-      {diagram->mnuDotCurve, "diagram-dot-curve"}};
+  const std::pair<QAction*, const char*> styles[] = {{diagram->mnuBar, "diagram-bar"},
+                                                     {diagram->mnuArea, "diagram-area"},
+                                                     {diagram->mnuDot, "diagram-dot"},
+                                                     {diagram->mnuCurve, "diagram-curve"},
+                                                     {diagram->mnuDotCurve, "diagram-dot-curve"}};
   for (const auto& [action, name] : styles) {
     action->trigger();
     Shot(diagram, name);
@@ -129,6 +150,8 @@ int main(int argc, char* argv[]) {
   diagram->nmuConiss->trigger();
   Shot(diagram, "diagram-coniss");
   diagram->hide();
+
+  ShotReconstruction(w, dialogs);
 
   varnoth::frmAbout1* about = w.AboutWindow();
   about->show();
