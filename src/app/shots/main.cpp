@@ -138,11 +138,10 @@ int main(int argc, char* argv[]) {
   // The pollen diagram of the core in its five styles, then with CONISS.
   w.Command14->click();
   varnoth::frmDiagram* diagram = w.DiagramWindow();
-  const std::pair<QAction*, const char*> styles[] = {{diagram->mnuBar, "diagram-bar"},
-                                                     {diagram->mnuArea, "diagram-area"},
-                                                     {diagram->mnuDot, "diagram-dot"},
-                                                     {diagram->mnuCurve, "diagram-curve"},
-                                                     {diagram->mnuDotCurve, "diagram-dot-curve"}};
+  const std::pair<QAction*, const char*> styles[] = {
+      {diagram->mnuBar, "diagram-bar"},     {diagram->mnuArea, "diagram-area"},
+      {diagram->mnuDot, "diagram-dot"},     {diagram->mnuCurve, "diagram-curve"},
+      {diagram->mnuDotCurve, "diagram-dot-curve"}};
   for (const auto& [action, name] : styles) {
     action->trigger();
     Shot(diagram, name);
