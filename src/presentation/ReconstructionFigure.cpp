@@ -123,9 +123,8 @@ bool DrawEstObsScatter(const Session& s, long p, const CurveSettings& set, Surfa
   pic.SetBackColour(kWhite);
   const double r = std::fabs(pic.ScaleWidth()) / 67;
   const QColor curve = set.Colours.CurveColour.ToQColor();
-  pic.SetFillStyle(FillStyle::Transparent);
   for (long i = 1; i <= s.RefSiteCount; ++i)
-    pic.Circle(s.ReconRefValue(i, p), s.ClimateData(i, p), r, curve);
+    pic.Ring(s.ReconRefValue(i, p), s.ClimateData(i, p), r, curve);
   pic.StoreBackground();
   DrawScatterMarker(s, p, set, pic);
   return true;
