@@ -341,13 +341,13 @@ void frmMAT::Load() {
 
   // 3. What needs climate data, an error model or a calibration.
   for (QWidget* w : std::initializer_list<QWidget*>{
-           Check3,     Command3, Command4, Command6, Command7, Text1,      Text2,      Combo1,
-           Combo2,     Combo3,   UpDown1,  Command2, Command5, Option1[0], Option1[1], Option3[0],
-           Option3[1], Slider1,  Slider3,  Slider2,  Check1,   Check2,     Label1,     Label2})
+           Check3,  Command3, Command4, Command6,   Command7,   Text1,      Text2,      Combo1,
+           Combo2,  Combo3,   UpDown1,  Option1[0], Option1[1], Option3[0], Option3[1], Slider1,
+           Slider3, Slider2,  Check1,   Check2,     Label1,     Label2})
     w->setEnabled(false);
-  for (QWidget* w : std::initializer_list<QWidget*>{Frame6, Command4, Command6, Command2, Command5,
-                                                    ProgressBar1, Picture2, Picture99, Picture0,
-                                                    Picture3, Picture4, Slider7, Label7})
+  for (QWidget* w :
+       std::initializer_list<QWidget*>{Frame6, Command4, Command6, ProgressBar1, Picture2,
+                                       Picture99, Picture0, Picture3, Picture4, Slider7, Label7})
     w->setVisible(false);
   Option1[1]->setEnabled(true);
   Option4[0]->setChecked(true);

@@ -22,6 +22,7 @@
 
 #include "UiSupport.h"
 #include "presentation/ReconstructionFigure.h"
+#include "reconstruction/ClimateImport.h"
 #include "reconstruction/Curves.h"
 #include "state/Format.h"
 #include "ui/PictureBox.h"
@@ -167,6 +168,15 @@ class TestFrmMAT : public QObject {
   void filesMatchBatchRunner();
   void unloadAndReopen();
   void quitClosesWindow();
+  void smoothingDrawnTwoPixelsWide();
+  void envelopeRunRedrawsOutLines();
+  void samplePositionBoxFollowsSample();
+  void eofBasisRunsTheSearchOnScores();
+  void editedLimitsRedrawCurveAndScatter();
+  void changeParaKeepsErrorModel();
+  void slider7ResizesPicturesAndHeightHasMinimum();
+  void stateButtonsTellNoMatrices();
+  void climateFromElsewhereIsTakenUpAtActivation();
 };
 
 void TestFrmMAT::loadStateBeforeClimate() {
@@ -706,6 +716,152 @@ void TestFrmMAT::quitClosesWindow() {
   QVERIFY(!r.mat->isVisible());
   QVERIFY(!r.session.ReconstructionOpen);
   QCOMPARE(r.ended, 1);
+}
+
+void TestFrmMAT::smoothingDrawnTwoPixelsWide() {
+  // A constant core: the moving average is one upright line.
+  Core c(std::vector<double>(8, 10.0));
+  c.set.Smoothing = 2;
+  QVERIFY(DrawReconstructionCurve(c.s, 1, c.set, c.pic));
+  const int row = int(c.pic.ToPixel(0, 45).y());
+  int red = 0;
+  for (int x = 0; x < c.pic.Width(); ++x)
+    if (c.pic.PixelAt(x, row) == c.Red()) ++red;
+  QCOMPARE(red, 2);
+  // The pen returns to one pixel for what follows.
+  QCOMPARE(c.pic.DrawWidth(), 1);
+}
+
+void TestFrmMAT::envelopeRunRedrawsOutLines() {
+  Road r;
+  r.Climate();
+  r.mat->Slider6->setValue(1);
+  r.window->Slider1->setValue(0);  // the tightest envelope marks samples Out
+  r.window->Command11->click();
+  QVERIFY(r.session.EnvelopeDone);
+  long out = 0;
+  for (long k = 2; k <= r.session.FossilSampleCount && !out; ++k)
+    if (r.session.SampleIsOut(k) && k != r.session.SampleCursor) out = k;
+  QVERIFY(out > 0);
+  const Surface& p = r.P1();
+  QVERIFY(
+      Near(p, p.ScaleLeft() + p.ScaleWidth() * 0.01, CurvePosition(r.session, out), r.Smooth(), 0));
+}
+
+void TestFrmMAT::samplePositionBoxFollowsSample() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  const long n = r.session.FossilSampleCount;
+  m->UpDown1->setValue(static_cast<int>(n / 3));
+  const int upper = m->Frame5->y();
+  m->UpDown1->setValue(static_cast<int>(2 * n / 3));
+  const int lower = m->Frame5->y();
+  QVERIFY(lower > upper);
+  // The box moves as the sample's position does, 60 twips less per picture.
+  const Surface& p = r.P1();
+  const double step = (CurvePosition(r.session, 2 * n / 3) - CurvePosition(r.session, n / 3)) *
+                      (m->Picture1->height() * 15.0 - 60) / p.ScaleHeight() / 15;
+  QVERIFY(std::abs((lower - upper) - step) <= 1.0);
+  QCOMPARE(m->Check3->palette().color(QPalette::WindowText), QColor(0, 0, 0));
+  r.session.SampleIsOut(2 * n / 3) = 1;
+  m->UpDown1->setValue(static_cast<int>(n / 3));
+  m->UpDown1->setValue(static_cast<int>(2 * n / 3));
+  QCOMPARE(m->Check3->palette().color(QPalette::WindowText), QColor(200, 0, 0));
+  QCOMPARE(m->Combo3->palette().color(QPalette::Text), r.Smooth());
+}
+
+void TestFrmMAT::eofBasisRunsTheSearchOnScores() {
+  Road r;
+  r.Climate();
+  const long k = r.Inner();
+  const double taxa = r.session.ReconValue(k, 1);
+  const Count site = r.session.AnalogueSite(k, 1);
+  r.mat->Option1[1]->click();
+  QVERIFY(r.session.AnalogueSite(k, 1) != site || r.session.ReconValue(k, 1) != taxa);
+  r.mat->Option1[0]->click();
+  QCOMPARE(r.session.ReconValue(k, 1), taxa);
+}
+
+void TestFrmMAT::editedLimitsRedrawCurveAndScatter() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  m->Command3->click();
+  QTest::keyClicks(m->Text2, "0");  // "30" becomes "300"
+  QCOMPARE(m->CurveSet().High, LenientParse(m->Text2->text().toStdString()));
+  QCOMPARE(r.P1().ScaleWidth(), m->CurveSet().High - m->CurveSet().Low);
+  QCOMPARE(r.P2().ScaleWidth(), m->CurveSet().High - m->CurveSet().Low);
+  QVERIFY(m->ScaleEdited());
+  QVERIFY(r.session.ErrorModelReady);
+  // Equal limits draw nothing and say nothing.
+  const QImage before = r.P1().Image();
+  m->Text2->setText(m->Text1->text());
+  QTest::keyClick(m->Text2, Qt::Key_Return);
+  QCOMPARE(r.P1().Image(), before);
+  QVERIFY(r.dialogs.Messages.empty());
+}
+
+void TestFrmMAT::changeParaKeepsErrorModel() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  m->Command3->click();
+  const double kept = r.session.ReconRefValue(3, 2);
+  m->Combo1->setCurrentIndex(1);
+  emit m->Combo1->activated(1);
+  QCOMPARE(r.session.CurrentParameter, Count{2});
+  QVERIFY(r.session.ErrorModelReady);
+  QCOMPARE(r.session.ReconRefValue(3, 2), kept);
+  QCOMPARE(m->Label7->text().toStdString(), CorrelationCaption(EstObsCorrelation(r.session, 2)));
+  const ScaleLimits l = CurveLimits(r.session, 2);
+  QCOMPARE(m->Text1->text().toStdString(), FormatGeneral(l.Low));
+  QCOMPARE(r.P2().ScaleLeft(), l.Low);
+}
+
+void TestFrmMAT::slider7ResizesPicturesAndHeightHasMinimum() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  m->Command3->click();
+  m->Slider7->setValue(5);
+  QCOMPARE(m->Picture1->width(), 5 * 2055 / 10 / 15);
+  QCOMPARE(m->Picture2->width(), m->Picture2->height());
+  QCOMPARE(m->Picture3->width(), m->Picture1->width());
+  QCOMPARE(r.P1().Width(), m->Picture1->width());
+  m->Slider7->setValue(0);
+  QCOMPARE(m->Slider7->value(), 1);
+  const int width = m->width();
+  m->resize(width, 200);
+  QCOMPARE(m->height(), 300);  // 4500 twips
+  QCOMPARE(m->width(), width);
+  m->resize(width, 700);
+  QCOMPARE(m->Picture1->height(), 700 - 161);
+  QCOMPARE(r.P1().Height(), 700 - 161);
+}
+
+void TestFrmMAT::stateButtonsTellNoMatrices() {
+  Road r;
+  r.Climate();
+  r.mat->Command5->click();
+  QCOMPARE(r.mat->Command5->text(), QString("Hist: No"));
+  r.mat->Command2->click();
+  QCOMPARE(r.mat->Command2->text(), QString("Calib: No"));
+}
+
+void TestFrmMAT::climateFromElsewhereIsTakenUpAtActivation() {
+  Road r;
+  r.mat->close();
+  // Climate already in the session, as the interpolation tool leaves it.
+  QVERIFY(Inport_climate_data(r.session, Example("climate.csv"), r.dialogs).Ok);
+  r.session.CurrentParameter = 2;
+  r.session.EnhanceUsed = true;
+  r.window->Command8->click();
+  QVERIFY(r.session.ReconstructionOpen);
+  QCOMPARE(r.mat->Combo1->currentText(), QString("WinSST"));
+  QVERIFY(!r.mat->Command1->isEnabled());
+  QVERIFY(!r.mat->Check2->isEnabled());
+  QVERIFY(!r.session.EstObsImported);
 }
 
 QTEST_MAIN(TestFrmMAT)
