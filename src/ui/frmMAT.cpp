@@ -290,7 +290,7 @@ void frmMAT::Open() {
 
 void frmMAT::Load() {
   loaded_ = true;
-  // 1. The lists, the basis and the width the panels return to.
+  // 1. The lists and the basis.
   Combo2->clear();
   for (long e = 1; e <= s_.RefTaxaCount; ++e) Combo2->addItem(QString::number(e));
   const Count shownAxis =
@@ -303,7 +303,6 @@ void frmMAT::Load() {
   Option1[1]->setEnabled(true);
   panelsOpen_ = false;
   frame5Width_ = kFrame5Width;
-  loadWidth_ = width();
 
   // 2. Nothing to save or copy yet; no enhancement of the search.
   for (QAction* a : {mnuSaveCurveEntry,

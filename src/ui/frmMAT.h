@@ -191,7 +191,6 @@ class frmMAT : public QMainWindow {
   bool activating_ = false;
   double zEnhancement_ = 1;
   double threshold_ = 0.2;  // AnalogueThreshold, set by DefineThreshold
-  int loadWidth_ = 0;
   int frame5Width_ = 0;
   int pictureWidth_ = 0;  // Picture1 to Picture4, from Slider7
 };

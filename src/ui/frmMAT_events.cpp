@@ -584,7 +584,8 @@ bool frmMAT::eventFilter(QObject* watched, QEvent* event) {
     auto* e = static_cast<QMouseEvent*>(event);
     if (!(e->buttons() & Qt::LeftButton)) {
       auto* p = static_cast<PictureBox*>(watched);
-      Hover(p->surface().ToUser(e->position() - QPointF(p->Origin())));
+      const QPointF at = p->surface().ToUser(e->position() - QPointF(p->Origin()));
+      boundary_.Run([this, at] { Hover(at); });
     }
   }
   return QMainWindow::eventFilter(watched, event);
