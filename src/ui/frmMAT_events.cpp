@@ -34,10 +34,11 @@ void SetQuietly(Control* c, int value) {
 }
 
 void SetTextColour(QWidget* w, const QColor& colour) {
+  // The disabled look stays the style's own.
   QPalette p = w->palette();
-  p.setColor(QPalette::WindowText, colour);
-  p.setColor(QPalette::ButtonText, colour);
-  p.setColor(QPalette::Text, colour);
+  for (QPalette::ColorGroup g : {QPalette::Active, QPalette::Inactive})
+    for (QPalette::ColorRole r : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text})
+      p.setColor(g, r, colour);
   w->setPalette(p);
 }
 
