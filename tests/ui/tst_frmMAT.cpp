@@ -177,6 +177,8 @@ class TestFrmMAT : public QObject {
   void slider7ResizesPicturesAndHeightHasMinimum();
   void stateButtonsTellNoMatrices();
   void climateFromElsewhereIsTakenUpAtActivation();
+  void mainCommand8OpensWindowAfterProjection();
+  void scatterShowsSelectedEstimate();
 };
 
 void TestFrmMAT::loadStateBeforeClimate() {
@@ -862,6 +864,43 @@ void TestFrmMAT::climateFromElsewhereIsTakenUpAtActivation() {
   QVERIFY(!r.mat->Command1->isEnabled());
   QVERIFY(!r.mat->Check2->isEnabled());
   QVERIFY(!r.session.EstObsImported);
+}
+
+void TestFrmMAT::mainCommand8OpensWindowAfterProjection() {
+  uitest::MainFixture f;
+  QVERIFY(!f.window->Command8->isEnabled());
+  f.ImportReference(Example("reference.csv"));
+  f.Confirm();
+  QVERIFY(!f.window->Command8->isEnabled());
+  f.ImportFossil(Example("fossil.csv"));
+  QVERIFY(f.session.ProjectionDone);
+  QVERIFY(f.window->Command8->isEnabled());
+  f.window->Command8->click();
+  QVERIFY(f.window->MATWindow()->isVisible());
+  QVERIFY(f.window->MATWindow()->Loaded());
+}
+
+void TestFrmMAT::scatterShowsSelectedEstimate() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  m->UpDown1->setValue(static_cast<int>(r.Inner()));
+  m->Command3->click();
+  const Surface& p = r.P2();
+  const double x = r.session.ReconValue(r.Inner(), 1);
+  const double low = m->CurveSet().Low, high = m->CurveSet().High;
+  const double mid = (low + high) / 2;
+  QVERIFY(Near(p, x, mid, r.Cursor(), 0));
+  // Another sample moves the line over the stored circles.
+  const long other = r.Inner() + 1;
+  m->UpDown1->setValue(static_cast<int>(other));
+  const double moved = r.session.ReconValue(other, 1);
+  QVERIFY(std::abs(p.ToPixel(moved, mid).x() - p.ToPixel(x, mid).x()) >= 2);
+  QVERIFY(Near(p, moved, mid, r.Cursor(), 0));
+  QVERIFY(!Near(p, x, mid, r.Cursor(), 0));
+  // With the selection line switched off, no line.
+  m->Check3->click();
+  QVERIFY(!Near(p, moved, mid, r.Cursor(), 0));
 }
 
 QTEST_MAIN(TestFrmMAT)
