@@ -22,6 +22,9 @@ double SamplePosition(const Session& s, long i) {
   if (s.FossilLabelsAreText) return 10.0 * i;
   const long n = s.FossilSampleCount;
   const double first = Label(s, 1), last = Label(s, n), here = Label(s, i);
+  // Equal first and last depths divide by zero, also for the first sample,
+  // whose numerator is 0 as well.
+  if (last == first) throw RuntimeFailure(FailureKind::DivisionByZero);
   return Div((last - here + (here - first) * n) * 10, last - first);
 }
 

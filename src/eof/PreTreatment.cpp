@@ -7,16 +7,16 @@
 namespace varnoth {
 
 double LogEnhance(double x) {
-  if (x == 0) return 0;
-  double v = std::log10(100 * x) / 2;
   // A negative fraction has no logarithm; it is cut like a value below 1 %.
-  if (std::isnan(v) || v < 0) return 0;
-  return v;
+  if (x <= 0) return 0;
+  // Natural logarithms divided, not log10: the two differ in the last bit.
+  const double v = std::log(100 * x) / std::log(10.0) / 2;
+  return v < 0 ? 0 : v;
 }
 
 double EnhanceValue(double x, const PreTreatmentSettings& settings) {
   if (!settings.Enhance) return x;
-  return settings.SquareRoot ? std::pow(x, 0.5) : LogEnhance(x);
+  return settings.SquareRoot ? PowerHalf(x) : LogEnhance(x);
 }
 
 // Row sums into column 0 and fractions of them, or a plain copy.
@@ -65,8 +65,8 @@ static void EnhancementStep(Array2<double>& data, const Array2<double>& proporti
                             long taxa, const PreTreatmentSettings& settings) {
   for (long i = 1; i <= rows; ++i)
     for (long j = 1; j <= taxa; ++j)
-      data(i, j) = settings.Enhance ? EnhanceValue(proportion(i, j), settings)
-                                    : proportion(i, j) * 100;
+      data(i, j) =
+          settings.Enhance ? EnhanceValue(proportion(i, j), settings) : proportion(i, j) * 100;
 }
 
 void FossilEnhancementStep(Session& s) {

@@ -6,7 +6,7 @@
 
 namespace varnoth {
 
-// log10(100 x) / 2 cut at 0, and 0 for exactly 0: 1 % maps to 0, 100 % to 1.
+// ln(100 x) / ln(10) / 2 cut at 0, and 0 for x <= 0: 1 % maps to 0, 100 % to 1.
 double LogEnhance(double x);
 // The enhancement the settings choose; x unchanged without enhancement.
 double EnhanceValue(double x, const PreTreatmentSettings& settings);

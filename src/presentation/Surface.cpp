@@ -15,9 +15,10 @@ namespace {
 constexpr double kDotsPerInch = 96.0;
 constexpr int kDotsPerMeter = 3780;
 
-QFont FigureFont(double points) {
+QFont FigureFont(double points, bool bold = false) {
   QFont font(QStringLiteral("DejaVu Sans"));
   font.setPixelSize(std::max(1, static_cast<int>(std::lround(points * kDotsPerInch / 72.0))));
+  font.setBold(bold);
   return font;
 }
 }  // namespace
@@ -57,7 +58,7 @@ QPainter& Surface::Painter() {
   if (!painter_) {
     painter_ = std::make_unique<QPainter>(&image_);
     painter_->setRenderHint(QPainter::Antialiasing, antialias_);
-    painter_->setFont(FigureFont(fontPoints_));
+    painter_->setFont(FigureFont(fontPoints_, bold_));
   }
   return *painter_;
 }
@@ -76,9 +77,17 @@ void Surface::SetBackColour(const QColor& colour) {
   image_.fill(back_);
 }
 
+void Surface::SetFontBold(bool bold) {
+  if (bold == bold_) return;
+  bold_ = bold;
+  if (painter_) painter_->setFont(FigureFont(fontPoints_, bold_));
+  // The laid-out texts keep the weight they were laid out with.
+  staticText_.clear();
+}
+
 void Surface::SetFontSize(double points) {
   fontPoints_ = points;
-  QFont font = FigureFont(points);
+  QFont font = FigureFont(points, bold_);
   ascent_ = QFontMetricsF(font).ascent();
   if (painter_ && painter_->font() != font) painter_->setFont(font);
   if (points != staticPoints_) {
@@ -241,7 +250,7 @@ void Surface::PrintRotated(double x, double y, const QString& text, const QColor
 }
 
 double Surface::TextWidth(const QString& text) const {
-  QFontMetricsF m(FigureFont(fontPoints_));
+  QFontMetricsF m(FigureFont(fontPoints_, bold_));
   return std::abs(m.horizontalAdvance(text) * width_ / image_.width());
 }
 

@@ -47,6 +47,8 @@ class Surface {
   void SetFillColour(const QColor& colour) { fill_ = colour; }
   void SetFontSize(double points);
   double FontSize() const { return fontPoints_; }
+  void SetFontBold(bool bold);
+  bool FontBold() const { return bold_; }
   void SetAntialiasing(bool on) { antialias_ = on; }
   // The pen width of lines and points, in pixels; 1 unless a figure asks.
   void SetDrawWidth(int pixels) { drawWidth_ = pixels < 1 ? 1 : pixels; }
@@ -98,6 +100,7 @@ class Surface {
   QColor back_ = Qt::white, fore_ = Qt::black, fill_ = Qt::black;
   FillStyle fillStyle_ = FillStyle::Transparent;
   double fontPoints_ = 8;
+  bool bold_ = false;
   double ascent_ = 0;
   QHash<QString, QStaticText> staticText_;  // laid-out names, per font size
   double staticPoints_ = 0;

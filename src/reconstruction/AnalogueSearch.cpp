@@ -15,7 +15,7 @@ double DefineThreshold(AnalogueSettings& settings, long sliderValue) {
   const double t = static_cast<double>(sliderValue) / 100;
   switch (settings.Enhance) {
     case AnalogueEnhance::SquareRoot:
-      settings.AnalogueThreshold = std::pow(t, 0.5);
+      settings.AnalogueThreshold = PowerHalf(t);
       break;
     case AnalogueEnhance::Log:
       settings.AnalogueThreshold = LogEnhance(t);
@@ -41,7 +41,7 @@ double Transform(double x, AnalogueEnhance e) {
   switch (e) {
     case AnalogueEnhance::SquareRoot:
       // Most proportions are 0, whose root needs no power function.
-      return x == 0 ? 0.0 : std::pow(x, 0.5);
+      return x == 0 ? 0.0 : PowerHalf(x);
     case AnalogueEnhance::Log:
       return LogEnhance(x);
     case AnalogueEnhance::None:

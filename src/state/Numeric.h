@@ -63,3 +63,15 @@ inline double Div(double a, double b) {
 }
 
 }  // namespace varnoth
+
+namespace varnoth {
+
+// x ^ 0.5 through the general power function, which has no real root of a
+// negative number: that is the invalid-argument failure, so no NaN is ever
+// computed from it.
+inline double PowerHalf(double x) {
+  if (x < 0) throw RuntimeFailure(FailureKind::InvalidCall, "square root of a negative number");
+  return std::pow(x, 0.5);
+}
+
+}  // namespace varnoth

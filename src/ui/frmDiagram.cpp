@@ -231,8 +231,10 @@ void frmDiagram::ConnectEvents() {
     });
   });
   connect(Slider2, &QSlider::valueChanged, this, &frmDiagram::ZoomMoved);
-  connect(Combo1, &QComboBox::activated, this,
-          [this] { boundary_.Run([this] { DrawEofCurve(); }); });
+  connect(Combo1, &QComboBox::activated, this, [this] {
+    boundary_.Run([this] { DrawEofCurve(); });
+    emit EofChosen();
+  });
   connect(Slider3, &QSlider::valueChanged, this, [this] {
     boundary_.Run([this] {
       LayoutTaxaColumns();

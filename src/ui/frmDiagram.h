@@ -109,6 +109,8 @@ class frmDiagram : public QMainWindow {
   void SelectionLineToggled(bool on);
   // mnuECC "&EOF-Climate correlation".
   void EccRequested();
+  // Combo1 chose the EOF shown: the correlation window follows.
+  void EofChosen();
 
  protected:
   void resizeEvent(QResizeEvent* event) override;

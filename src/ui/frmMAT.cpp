@@ -417,6 +417,9 @@ void frmMAT::Activate() {
   }
   // 3. ... and is reconstructed at once.
   if (s_.ClimateLoaded && !s_.ReconstructionOpen) {
+    // Climate read elsewhere (the correlation window, the interpolation
+    // tool) makes the settings usable as a file read here would.
+    EnableSettings();
     Command1->setEnabled(false);
     RunReconstruction();
   }

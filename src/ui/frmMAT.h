@@ -168,6 +168,7 @@ class frmMAT : public QMainWindow {
   void EmptyMatrices();
   void FillLabels();
   void FocusNext();
+  void EnableSettings();
 
   // Saves, in frmMAT_files.cpp.
   template <typename Writer>

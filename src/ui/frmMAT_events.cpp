@@ -268,18 +268,22 @@ void frmMAT::Inport_climate_data() {
         Combo1->addItem(QString::fromStdString(s_.ClimateParamNames(q)));
       Combo1->setCurrentIndex(0);
     }
-    for (QWidget* w :
-         std::initializer_list<QWidget*>{Option1[0], Option1[1], Option3[0], Option3[1], Slider1,
-                                         Slider3, Slider2, Check1, Label1, Label2})
-      w->setEnabled(true);
-    Check2->setEnabled(!s_.EnhanceUsed);
-    if (Check2->isEnabled() && Check2->isChecked())
-      for (QRadioButton* o : Option2) o->setEnabled(true);
+    EnableSettings();
     // 11.
     Command1->setEnabled(false);
     Command8->setEnabled(false);
     RunReconstruction();
   });
+}
+
+void frmMAT::EnableSettings() {
+  for (QWidget* w :
+       std::initializer_list<QWidget*>{Option1[0], Option1[1], Option3[0], Option3[1], Slider1,
+                                       Slider3, Slider2, Check1, Label1, Label2})
+    w->setEnabled(true);
+  Check2->setEnabled(!s_.EnhanceUsed);
+  if (Check2->isEnabled() && Check2->isChecked())
+    for (QRadioButton* o : Option2) o->setEnabled(true);
 }
 
 void frmMAT::RunReconstruction() {

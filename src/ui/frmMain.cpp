@@ -26,6 +26,7 @@
 #include "ui/frmColor.h"
 #include "ui/frmControl.h"
 #include "ui/frmDiagram.h"
+#include "ui/frmECC.h"
 #include "ui/frmCorrelVar.h"
 #include "ui/frmTest.h"
 
@@ -96,6 +97,7 @@ frmMain::~frmMain() {
   delete correlVar_.data();
   delete color_.data();
   delete control_.data();
+  delete ecc_.data();  // it holds on to the diagram
   delete diagram_.data();
 }
 

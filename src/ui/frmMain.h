@@ -42,6 +42,7 @@ class frmTest;
 class frmControl;
 class frmDiagram;
 class frmMAT;
+class frmECC;
 
 // Windows are closed by QuitProgram in this order; later tools add theirs.
 enum class WindowOrder {
@@ -96,6 +97,7 @@ class frmMain : public QMainWindow {
   frmControl* ControlPanel();
   frmDiagram* DiagramWindow();
   frmMAT* MATWindow();
+  frmECC* EccWindow();
   // What ends the process after the windows are closed.
   void SetEndProgram(std::function<void()> end) { endProgram_ = std::move(end); }
 
@@ -194,6 +196,7 @@ class frmMain : public QMainWindow {
   QPointer<frmControl> control_;
   QPointer<frmDiagram> diagram_;
   QPointer<frmMAT> mat_;
+  QPointer<frmECC> ecc_;
 
   QTimer timer1_, timer2_;
 

@@ -7,6 +7,7 @@
 #include <QSlider>
 
 #include "ui/frmDiagram.h"
+#include "ui/frmECC.h"
 #include "ui/frmMain.h"
 
 namespace varnoth {
@@ -36,6 +37,7 @@ frmDiagram* frmMain::DiagramWindow() {
     connect(this, &frmMain::RangeChanged, diagram_.data(), &frmDiagram::FollowRange);
     connect(this, &frmMain::RedrawOthers, diagram_.data(), &frmDiagram::RedrawAll);
     connect(this, &frmMain::SampleChosen, diagram_.data(), &frmDiagram::MoveMarker);
+    connect(diagram_, &frmDiagram::EccRequested, this, [this] { EccWindow()->Open(); });
     LinkDiagramAndMAT();
   }
   return diagram_;

@@ -166,7 +166,13 @@ TEST(Coniss, IdenticalSamplesJoinAtLevelZeroAndHaveNoWidth) {
 TEST(Coniss, EqualFirstAndLastDepthsFail) {
   Session s = Core({{0.1}, {0.2}, {0.3}}, {"5", "6", "5"}, false);
   NoProgress none;
-  EXPECT_THROW(DoConiss(s, none), RuntimeFailure);
+  try {
+    DoConiss(s, none);
+    FAIL() << "no failure";
+  } catch (const RuntimeFailure& e) {
+    EXPECT_EQ(e.kind(), FailureKind::DivisionByZero);
+    EXPECT_STREQ(e.what(), "Division by zero");
+  }
 }
 
 TEST(Coniss, ALabelThatIsNoNumberFails) {

@@ -12,11 +12,36 @@ using namespace varnoth::test;
 
 TEST(PreTreatment, LogEnhanceCutsBelowOnePercent) {
   EXPECT_EQ(LogEnhance(0), 0);
-  EXPECT_EQ(LogEnhance(0.005), 0);  // log10(0.5) / 2 is negative
-  EXPECT_DOUBLE_EQ(LogEnhance(0.01), 0);
-  EXPECT_DOUBLE_EQ(LogEnhance(1), 1);
-  EXPECT_DOUBLE_EQ(LogEnhance(0.1), 0.5);
+  EXPECT_EQ(LogEnhance(0.005), 0);  // ln(0.5) is negative
+  EXPECT_EQ(LogEnhance(0.01), 0);
+  EXPECT_EQ(LogEnhance(1), 1);
+  EXPECT_EQ(LogEnhance(0.1), 0.5);
   EXPECT_EQ(LogEnhance(-0.3), 0);
+  EXPECT_EQ(LogEnhance(-1e-300), 0);
+}
+
+// ln(100 x) / ln(10) / 2, not log10(100 x) / 2: the two differ in the last
+// bit for most inputs, and the files carry every bit.
+TEST(PreTreatment, LogEnhanceDividesNaturalLogarithms) {
+  EXPECT_EQ(LogEnhance(10), 1.4999999999999998);
+  EXPECT_NE(LogEnhance(10), std::log10(1000.0) / 2);
+  EXPECT_EQ(LogEnhance(0.5), 0.84948500216800926);
+  EXPECT_EQ(LogEnhance(2), 1.1505149978319904);
+  for (double x : {0.37, 0.02, 0.999, 3.5})
+    EXPECT_EQ(LogEnhance(x), std::log(100 * x) / std::log(10.0) / 2) << x;
+}
+
+TEST(PreTreatment, SquareRootOfANegativeValueIsTheInvalidArgumentFailure) {
+  PreTreatmentSettings root;
+  root.Enhance = true;
+  try {
+    EnhanceValue(-0.25, root);
+    FAIL() << "no failure";
+  } catch (const RuntimeFailure& f) {
+    EXPECT_EQ(f.kind(), FailureKind::InvalidCall);
+    EXPECT_NE(std::string(f.what()).find("square root of a negative number"), std::string::npos);
+  }
+  EXPECT_EQ(EnhanceValue(-0.0, root), 0);
 }
 
 TEST(PreTreatment, EnhanceValueFollowsTheControls) {
@@ -31,7 +56,7 @@ TEST(PreTreatment, EnhanceValueFollowsTheControls) {
   log.SquareRoot = false;
   EXPECT_EQ(EnhanceValue(0, log), 0);
   // Raw values under "Don't convert" are taken as fractions.
-  EXPECT_DOUBLE_EQ(EnhanceValue(12, log), std::log10(1200.0) / 2);
+  EXPECT_EQ(EnhanceValue(12, log), std::log(1200.0) / std::log(10.0) / 2);
 }
 
 namespace {
@@ -87,7 +112,7 @@ TEST_F(Road, EnhancementTreatsBothTablesAlike) {
   Session other;
   std::swap(s, other);
   Run(log);
-  EXPECT_DOUBLE_EQ(s.RefData(1, 1), std::log10(10.0) / 2);
+  EXPECT_EQ(s.RefData(1, 1), std::log(10.0) / std::log(10.0) / 2);
   EXPECT_EQ(s.FossilData(2, 2), 0);
 }
 
@@ -98,4 +123,34 @@ TEST_F(Road, CorrelationChoiceIsKeptForTheSession) {
   EXPECT_TRUE(s.UseCorrelation);
   EXPECT_TRUE(s.PreTreatment.Correlation);
   EXPECT_EQ(s.EofMatrix(2, 2), 1);
+}
+
+// A negative cell kept by "Don't convert" has no square root: the event ends
+// in the failure before any EOF is computed from a NaN.
+TEST_F(Road, SquareRootOfANegativeCellStopsBeforeTheAnalysis) {
+  reference = "Site,A,B,C\nP,10,30,60\nQ,0,-4,0\nR,25,25,50\nS,5,90,5\n";
+  PreTreatmentSettings p;
+  p.ConvertToPercent = false;
+  p.Enhance = true;
+  ASSERT_TRUE(ImportReference(s, dir.Write("r.csv", reference), dialogs, progress).Ok);
+  try {
+    ApplyPreTreatment(s, p, progress);
+    FAIL() << "no failure";
+  } catch (const RuntimeFailure& f) {
+    EXPECT_EQ(f.kind(), FailureKind::InvalidCall);
+  }
+  EXPECT_FALSE(s.EofDone);
+}
+
+// The logarithm cuts a negative cell to 0 instead.
+TEST_F(Road, LogOfANegativeCellIsCutToZero) {
+  reference = "Site,A,B,C\nP,10,30,60\nQ,1,-4,2\nR,25,25,50\nS,5,90,5\n";
+  PreTreatmentSettings p;
+  p.ConvertToPercent = false;
+  p.Enhance = true;
+  p.SquareRoot = false;
+  ASSERT_TRUE(ImportReference(s, dir.Write("r.csv", reference), dialogs, progress).Ok);
+  ApplyPreTreatment(s, p, progress);
+  EXPECT_EQ(s.RefData(2, 2), 0);
+  EXPECT_TRUE(s.EofDone);
 }

@@ -51,6 +51,8 @@ TEST_F(SearchFixture, ThresholdFollowsTheEnhancement) {
   st.Enhance = AnalogueEnhance::Log;
   DefineThreshold(st, 200);
   EXPECT_EQ(st.AnalogueThreshold, LogEnhance(2.0));
+  // Natural logarithms divided, to the last bit.
+  EXPECT_EQ(st.AnalogueThreshold, 1.1505149978319904);
   DefineThreshold(st, 1);  // 0.01 maps to 0
   EXPECT_EQ(st.AnalogueThreshold, 0.0);
 }
@@ -290,6 +292,28 @@ TEST_F(SearchFixture, LogEnhancementComparesTransformedProportions) {
   const float d1 = d(0.5, 0.005, 0.4, 0.2), d2 = d(0.05, 0.9, 0.4, 0.2);
   EXPECT_EQ(s.AnalogueDistance(1, 1), std::min(d1, d2));
   EXPECT_EQ(s.AnalogueDistance(1, 2), std::max(d1, d2));
+}
+
+// A negative proportion under "Square root" is the invalid-argument failure,
+// not a site that silently never qualifies.
+TEST_F(SearchFixture, SquareRootOfANegativeProportionFails) {
+  SetReference(s, {{0.5, 0.5}, {-0.1, 1.1}});
+  SetFossil(s, {{0.4, 0.6}});
+  SetClimate(s, {{1, 1}, {2, 2}}, {"A", "B"});
+  st.Enhance = AnalogueEnhance::SquareRoot;
+  st.MaxAnalogues = 2;
+  DefineThreshold(st, 200);
+  try {
+    Run();
+    FAIL() << "no failure";
+  } catch (const RuntimeFailure& f) {
+    EXPECT_EQ(f.kind(), FailureKind::InvalidCall);
+  }
+  // The same sites compare under "Log", which cuts the negative value to 0.
+  st.Enhance = AnalogueEnhance::Log;
+  DefineThreshold(st, 200);
+  Run();
+  EXPECT_EQ(s.AnalogueSite(1, 1), 1);
 }
 
 TEST_F(SearchFixture, CountsAndRangesAfterARun) {

@@ -92,9 +92,17 @@ TEST_F(ClimateFixture, OneParameterIsDetected) {
 TEST_F(ClimateFixture, TrailingZeroInTheFirstValueMisleadsTheDetection) {
   Sites(3);
   auto r = Read("Site,T,P\nS1,12.50,800\nS2,-3,1200\nS3,0,7\n");
-  // The scan passes 12.50 and stops at 800: one parameter too many.
-  EXPECT_NE(s.ClimateParamCount, 2);
-  EXPECT_FALSE(r.Ok && s.ClimateParamCount == 2);
+  // The scan passes 12.50 and stops at 800: n = 6, and cell 2n - 4 is
+  // "1200", a number, so the names count as numbers and m = n - 2 = 4.
+  EXPECT_EQ(s.ClimateParamCount, 4);
+  EXPECT_FALSE(s.ClimateSiteNamesAreText);
+  // Row 1 is "800" with S2, -3, 1200 and S3 (0); row 2 is "0" with 7, and
+  // the file ends inside that row.
+  EXPECT_FALSE(r.Ok);
+  ASSERT_TRUE(r.Failure.has_value());
+  EXPECT_EQ(*r.Failure, FailureKind::InputPastEnd);
+  EXPECT_FALSE(s.ClimateLoaded);
+  EXPECT_TRUE(dialogs.Messages.empty());
 }
 
 TEST_F(ClimateFixture, EachDifferingNameAsksAndValuesStayInFileOrder) {

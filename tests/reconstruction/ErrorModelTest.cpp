@@ -85,7 +85,7 @@ TEST_F(ErrorModelFixture, DistanceOptionTestsTheRootOfTheDistance) {
   EXPECT_EQ(s.AnalogueCount(1), 2);
 }
 
-TEST_F(ErrorModelFixture, DistanceOptionWidensTheSetForSmallDistances) {
+TEST_F(ErrorModelFixture, DistanceOptionWidensTheSetForDistancesAboveOne) {
   // Above 1 the root is smaller, so more ranks pass: site 1 lies at 1.44
   // and 1.69 from the others, with a threshold of 1.3.
   Rows ref = {{0, 0}, {1.2, 0}, {0, 1.3}};
@@ -100,6 +100,24 @@ TEST_F(ErrorModelFixture, DistanceOptionWidensTheSetForSmallDistances) {
   GenerateErrorModel(s, st, progress);
   EXPECT_EQ(s.ReconRefValue(1, 0), 1);  // root 1.2 < 1.3; root 1.3 is not below
   EXPECT_EQ(s.ReconRefValue(1, 1), 2);
+}
+
+TEST_F(ErrorModelFixture, DistanceOptionNarrowsTheSetForDistancesBelowOne) {
+  // Below 1 the root is larger: site 1 lies at 0.04 and 0.09 from the
+  // others, roots 0.2 and 0.3, with a threshold of 0.1.
+  Rows ref = {{0, 0}, {0.2, 0}, {0, 0.3}};
+  SetReference(s, ref);
+  SetClimate(s, {{1, 0}, {2, 0}, {3, 0}}, {"A", "B"});
+  st.MaxAnalogues = 2;
+  DefineThreshold(st, 10);
+  st.WeightBy = AnalogueWeightBy::SquaredDistance;
+  GenerateErrorModel(s, st, progress);
+  EXPECT_EQ(s.ReconRefValue(1, 0), 2);  // 0.04 and 0.09 are below 0.1
+  EXPECT_EQ(s.ReconRefValue(1, 1), 2.5);
+  st.WeightBy = AnalogueWeightBy::Distance;
+  GenerateErrorModel(s, st, progress);
+  EXPECT_EQ(s.ReconRefValue(1, 0), 0);  // roots 0.2 and 0.3 are not
+  EXPECT_EQ(s.ReconRefValue(1, 1), -9999);
 }
 
 TEST_F(ErrorModelFixture, ANewModelKeepsNothingOfTheLast) {

@@ -68,13 +68,26 @@ TEST_F(ImportFixture, NumberLabelsAreNormalisedExceptOnRowOne) {
   EXPECT_EQ(s.FossilData(3, 3), 9);
 }
 
-TEST_F(ImportFixture, TextSiteLabelsThatAreNumbersAreNormalised) {
-  // Text labels are told by the second row's label, so numbers below stay
-  // numbers only when the kind is numeric.
-  std::string t = "Site,A,B,C\nX,1,2,3\nY,4,5,6\n";
-  ASSERT_TRUE(Ref(t).Ok);
+TEST_F(ImportFixture, SiteLabelsThatAreNumbersAreNormalisedFromRowTwo) {
+  // Number labels: the row-1 label keeps its text, later ones are printed
+  // from their value, so 010 becomes 10 and 0012.50 becomes 12.5.
+  ASSERT_TRUE(Fossil("Depth,A,B,C\n5,1,2,3\n010,4,5,6\n0012.50,7,8,9\n007,1,1,1\n").Ok);
+  EXPECT_FALSE(s.FossilLabelsAreText);
+  ASSERT_EQ(s.FossilSampleCount, 4);
+  EXPECT_EQ(s.FossilLabels(1), "5");
+  EXPECT_EQ(s.FossilLabels(2), "10");
+  EXPECT_EQ(s.FossilLabels(3), "12.5");
+  EXPECT_EQ(s.FossilLabels(4), "7");
+}
+
+TEST_F(ImportFixture, TextSiteLabelsThatLookLikeNumbersKeepTheirText) {
+  // The second row's label decides the kind: 007 is no number cell, so the
+  // labels are text and every one stands as written.
+  ASSERT_TRUE(Ref("Site,A,B,C\nX,1,2,3\n007,4,5,6\n12.50,7,8,9\n").Ok);
   EXPECT_TRUE(s.RefLabelsAreText);
-  EXPECT_EQ(s.RefSiteNames(2), "Y");
+  EXPECT_EQ(s.RefSiteNames(1), "X");
+  EXPECT_EQ(s.RefSiteNames(2), "007");
+  EXPECT_EQ(s.RefSiteNames(3), "12.50");
 }
 
 TEST_F(ImportFixture, TrailingZeroInFirstValueShiftsTheTable) {
@@ -89,9 +102,21 @@ TEST_F(ImportFixture, TrailingZeroInFirstValueShiftsTheTable) {
 
 TEST_F(ImportFixture, NumericTaxonNameEndsTheHeaderEarly) {
   std::string t = "Site,A,1,C\nX,1,2,3\nY,4,5,6\nZ,7,8,9\n";
-  Ref(t);
-  // The scan stops at "1": k = 3 cells.
-  EXPECT_LT(s.TaxaCount, 3);
+  ASSERT_TRUE(Ref(t).Ok);
+  // The scan stops at "1": k = 3 cells, and cell 2k - 4 is that same "1",
+  // so the labels count as numbers and N = k - 2 = 1. The rest of the file
+  // then reads as pairs of a label and one value.
+  EXPECT_EQ(s.TaxaCount, 1);
+  EXPECT_EQ(s.RefTaxaCount, 1);
+  EXPECT_EQ(s.RefTaxaNames(1), "A");
+  EXPECT_FALSE(s.RefLabelsAreText);
+  ASSERT_EQ(s.RefSiteCount, 7);
+  const char* labels[] = {"1", "0", "2", "0", "5", "0", "8"};
+  const double values[] = {0, 1, 3, 4, 6, 7, 9};  // "C" reads as 0
+  for (int i = 1; i <= 7; ++i) {
+    EXPECT_EQ(s.RefSiteNames(i), labels[i - 1]) << i;
+    EXPECT_EQ(s.RefData(i, 1), values[i - 1]) << i;
+  }
 }
 
 TEST_F(ImportFixture, HeaderCapacityWithTextLabels) {
@@ -99,8 +124,8 @@ TEST_F(ImportFixture, HeaderCapacityWithTextLabels) {
   EXPECT_EQ(s.RefTaxaCount, 499);
   Session other;
   FakeDialogs d2;
-  auto r = ImportReference(other, dir.Write("r500.csv", MakeTable(500, 3, true, Varied)), d2,
-                           progress);
+  auto r =
+      ImportReference(other, dir.Write("r500.csv", MakeTable(500, 3, true, Varied)), d2, progress);
   EXPECT_FALSE(r.Ok);
   EXPECT_EQ(other.RefTaxaCount, 0);
   ASSERT_EQ(d2.Messages.size(), 1u);
@@ -112,8 +137,8 @@ TEST_F(ImportFixture, HeaderCapacityWithNumberLabels) {
   EXPECT_EQ(s.FossilTaxaCount, 500);
   Session other;
   FakeDialogs d2;
-  auto r = ImportFossil(other, dir.Write("f501.csv", MakeTable(501, 3, false, Varied)), d2,
-                        progress);
+  auto r =
+      ImportFossil(other, dir.Write("f501.csv", MakeTable(501, 3, false, Varied)), d2, progress);
   EXPECT_FALSE(r.Ok);
   EXPECT_EQ(other.FossilTaxaCount, 0);
   EXPECT_TRUE(d2.Messages.empty());  // the fossil import shows no format message
@@ -124,8 +149,8 @@ TEST_F(ImportFixture, RowCapacity) {
   EXPECT_EQ(s.RefSiteCount, 9999);
   Session other;
   FakeDialogs d2;
-  auto r = ImportReference(other, dir.Write("big.csv", MakeTable(3, 10000, true, Varied)), d2,
-                           progress);
+  auto r =
+      ImportReference(other, dir.Write("big.csv", MakeTable(3, 10000, true, Varied)), d2, progress);
   EXPECT_FALSE(r.Ok);
   EXPECT_EQ(other.RefTaxaCount, 0);
   EXPECT_EQ(other.RefSiteCount, 9999);  // the row count reached stays
@@ -158,7 +183,8 @@ TEST_F(ImportFixture, EmptyValueInRowThreeIsABlankCell) {
   EXPECT_EQ(s.RefSiteCount, 3);
   Session other;
   FakeDialogs d2;
-  ImportFossil(other, dir.Write("f.csv", "Depth,A,B,C\n0,1,2,3\n10,4,5,6\n20,7,,9\n"), d2, progress);
+  ImportFossil(other, dir.Write("f.csv", "Depth,A,B,C\n0,1,2,3\n10,4,5,6\n20,7,,9\n"), d2,
+               progress);
   EXPECT_EQ(d2.Messages, std::vector<std::string>{"Blanc cell detected."});
   EXPECT_EQ(other.FossilTaxaCount, 0);
 }
@@ -210,9 +236,8 @@ TEST_F(ImportFixture, BothOrdersAndTheNameQuestion) {
   auto r = Fossil(fossil);
   ASSERT_TRUE(r.Ok);
   EXPECT_TRUE(r.Projected);
-  EXPECT_EQ(dialogs.Questions,
-            (std::vector<std::string>{"Name inconsistent.  [X2] = [T2]?",
-                                      "Name inconsistent.  [Y3] = [T3]?"}));
+  EXPECT_EQ(dialogs.Questions, (std::vector<std::string>{"Name inconsistent.  [X2] = [T2]?",
+                                                         "Name inconsistent.  [Y3] = [T3]?"}));
   EXPECT_EQ(s.TaxaMismatch(0), "2");
   EXPECT_EQ(s.TaxaMismatch(1), "[X2]/[T2]");
   EXPECT_EQ(s.TaxaMismatch(2), "[Y3]/[T3]");

@@ -864,6 +864,12 @@ void TestFrmMAT::climateFromElsewhereIsTakenUpAtActivation() {
   QVERIFY(!r.mat->Command1->isEnabled());
   QVERIFY(!r.mat->Check2->isEnabled());
   QVERIFY(!r.session.EstObsImported);
+  // The settings are usable as after a file read here.
+  for (QWidget* w : std::initializer_list<QWidget*>{r.mat->Slider1, r.mat->Slider2, r.mat->Slider3,
+                                                    r.mat->Check1, r.mat->Option1[0]})
+    QVERIFY2(w->isEnabled(), qPrintable(w->objectName()));
+  r.mat->Slider1->setValue(3);
+  QCOMPARE(r.session.AnalogueCount(r.Inner()), Count{3});
 }
 
 void TestFrmMAT::mainCommand8OpensWindowAfterProjection() {

@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "Batch.h"
+#include "ReconstructionStep.h"
 #include "reconstruction/AnalogueSearch.h"
 #include "reconstruction/ClimateImport.h"
 #include "reconstruction/Curves.h"
@@ -157,7 +158,7 @@ void RunReconstructionStep(Context& c) {
   Write(SaveCurve(s, c.Out("curve.csv"), progress), c.Out("curve.csv"));
   Write(SaveCurveWithE(s, c.Out("curve-with-error.csv"), progress), c.Out("curve-with-error.csv"));
 
-  if (!c.Opts.Has("--error-model")) return;
+  if (!c.Opts.Has("--error-model") && !c.Opts.Has("--calibrate")) return;
   GenerateErrorModel(s, st, progress);
   const Count shown = s.CurrentParameter;
   for (Count p = 1; p <= s.ClimateParamCount; ++p) {
@@ -186,4 +187,10 @@ const bool registered = RegisterStep(
          RunReconstructionStep});
 
 }  // namespace
+
+AnalogueSettings AnalogueSettingsFrom(const Session& s, const Options& o) {
+  return SettingsFrom(s, o);
+}
+long ThresholdSliderFrom(const Options& o) { return ThresholdSlider(o); }
+
 }  // namespace varnoth::batch

@@ -5,7 +5,9 @@
 #include <QApplication>
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDir>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
@@ -13,12 +15,14 @@
 
 #include "presentation/Colours.h"
 #include "state/Session.h"
+#include "ui/PictureBox.h"
 #include "ui/ScriptedDialogs.h"
 #include "ui/frmAbout1.h"
 #include "ui/frmColor.h"
 #include "ui/frmControl.h"
 #include "ui/frmCorrelVar.h"
 #include "ui/frmDiagram.h"
+#include "ui/frmECC.h"
 #include "ui/frmMAT.h"
 #include "ui/frmMain.h"
 #include "ui/frmTest.h"
@@ -55,6 +59,31 @@ void ShotReconstruction(varnoth::frmMain& w, varnoth::ScriptedDialogs& dialogs) 
   Shot(mat, "mat-error-model-grey");
   w.mnuColor->trigger();
   mat->hide();
+}
+
+// The EOF-climate correlation window from the diagram's Tools menu, with
+// the example climate file read on the way; then a pointer over a cell and
+// a click on another pair.
+void EccShots(varnoth::frmMain& w, varnoth::ScriptedDialogs& dialogs) {
+  varnoth::frmDiagram* diagram = w.DiagramWindow();
+  if (diagram->nmuConiss->isChecked()) diagram->nmuConiss->trigger();
+  dialogs.Answers.push_back(true);
+  dialogs.OpenNames.push_back(std::string(VARNOTH_EXAMPLES_DIR) + "/climate.csv");
+  diagram->mnuECC->trigger();
+  varnoth::frmECC* ecc = w.EccWindow();
+  Shot(ecc, "ecc");
+  // The cell of EOF 2 and the second parameter, in pixels at 15 twips each.
+  const QPointF cell(1050.0 * 1 / 15 + 20, (45.0 + 225 * 1) / 15 + 5);
+  QMouseEvent move(QEvent::MouseMove, cell, ecc->Picture2->mapToGlobal(cell), Qt::NoButton,
+                   Qt::NoButton, Qt::NoModifier);
+  QApplication::sendEvent(ecc->Picture2, &move);
+  Shot(ecc, "ecc-hover");
+  QMouseEvent press(QEvent::MouseButtonPress, cell, ecc->Picture2->mapToGlobal(cell),
+                    Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(ecc->Picture2, &press);
+  Shot(ecc, "ecc-click");
+  Shot(diagram, "diagram-after-ecc");
+  ecc->hide();
 }
 
 }  // namespace
@@ -138,19 +167,20 @@ int main(int argc, char* argv[]) {
   // The pollen diagram of the core in its five styles, then with CONISS.
   w.Command14->click();
   varnoth::frmDiagram* diagram = w.DiagramWindow();
-  const std::pair<QAction*, const char*> styles[] = {
-      {diagram->mnuBar, "diagram-bar"},     {diagram->mnuArea, "diagram-area"},
-      {diagram->mnuDot, "diagram-dot"},     {diagram->mnuCurve, "diagram-curve"},
-      {diagram->mnuDotCurve, "diagram-dot-curve"}};
+  const std::pair<QAction*, const char*> styles[] = {{diagram->mnuBar, "diagram-bar"},
+                                                     {diagram->mnuArea, "diagram-area"},
+                                                     {diagram->mnuDot, "diagram-dot"},
+                                                     {diagram->mnuCurve, "diagram-curve"},
+                                                     {diagram->mnuDotCurve, "diagram-dot-curve"}};
   for (const auto& [action, name] : styles) {
     action->trigger();
     Shot(diagram, name);
   }
   diagram->nmuConiss->trigger();
   Shot(diagram, "diagram-coniss");
-  diagram->hide();
-
   ShotReconstruction(w, dialogs);
+  EccShots(w, dialogs);
+  diagram->hide();
 
   varnoth::frmAbout1* about = w.AboutWindow();
   about->show();
