@@ -235,8 +235,11 @@ void frmMAT::Option1Clicked() {
     Command7->setEnabled(true);
   } else {
     Combo2->setEnabled(false);
-    Check2->setEnabled(true);
-    for (QRadioButton* o : Option2) o->setEnabled(Check2->isChecked());
+    // Proportions that pre-treatment already enhanced are not enhanced a
+    // second time: the box stays as the window opened it, unticked and off.
+    if (s_.EnhanceUsed) Check2->setChecked(false);
+    Check2->setEnabled(!s_.EnhanceUsed);
+    for (QRadioButton* o : Option2) o->setEnabled(Check2->isEnabled() && Check2->isChecked());
     Command7->setEnabled(false);
   }
   boundary_.Run([this] {

@@ -179,6 +179,7 @@ class TestFrmMAT : public QObject {
   void climateFromElsewhereIsTakenUpAtActivation();
   void mainCommand8OpensWindowAfterProjection();
   void scatterShowsSelectedEstimate();
+  void enhancedDataShowEnhancementOnlyUnderEofValues();
 };
 
 void TestFrmMAT::loadStateBeforeClimate() {
@@ -907,6 +908,27 @@ void TestFrmMAT::scatterShowsSelectedEstimate() {
   // With the selection line switched off, no line.
   m->Check3->click();
   QVERIFY(!Near(p, moved, mid, r.Cursor(), 0));
+}
+
+void TestFrmMAT::enhancedDataShowEnhancementOnlyUnderEofValues() {
+  Road r;
+  // As after a pre-treatment with "Enhance minor taxa" and "Log".
+  r.session.PreTreatment.Enhance = true;
+  r.session.PreTreatment.SquareRoot = false;
+  r.session.EnhanceUsed = true;
+  r.Climate();
+  frmMAT* m = r.mat;
+  QVERIFY(!m->Check2->isEnabled());
+  QCOMPARE(m->Settings().Enhance, AnalogueEnhance::None);
+  m->Option1[1]->click();
+  QVERIFY(m->Check2->isChecked());
+  QVERIFY(m->Option2[1]->isChecked());
+  QVERIFY(!m->Check2->isEnabled());
+  QCOMPARE(m->Settings().Enhance, AnalogueEnhance::Log);
+  m->Option1[0]->click();
+  QVERIFY(!m->Check2->isChecked());
+  QVERIFY(!m->Check2->isEnabled());
+  QCOMPARE(m->Settings().Enhance, AnalogueEnhance::None);
 }
 
 QTEST_MAIN(TestFrmMAT)
