@@ -508,6 +508,7 @@ void frmMain::ConnectEvents() {
   connect(Command11, &QPushButton::clicked, this, &frmMain::EnvelopClick);
   ConnectAxisEvents();
   ConnectDiagramEvents();
+  ConnectMATEvents();
   connect(Check1, &QCheckBox::toggled, this, [this](bool on) {
     boundary_.Run([this, on] {
       SetStereo(on);

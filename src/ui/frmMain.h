@@ -41,6 +41,7 @@ class frmAbout1;
 class frmTest;
 class frmControl;
 class frmDiagram;
+class frmMAT;
 class frmECC;
 
 // Windows are closed by QuitProgram in this order; later tools add theirs.
@@ -95,6 +96,7 @@ class frmMain : public QMainWindow {
   frmTest* TestForm();
   frmControl* ControlPanel();
   frmDiagram* DiagramWindow();
+  frmMAT* MATWindow();
   frmECC* EccWindow();
   // What ends the process after the windows are closed.
   void SetEndProgram(std::function<void()> end) { endProgram_ = std::move(end); }
@@ -152,6 +154,10 @@ class frmMain : public QMainWindow {
   // The diagram window and its link to the scatter, in frmMain_diagram.cpp.
   void ConnectDiagramEvents();
 
+  // The reconstruction window and its links, in frmMain_mat.cpp.
+  void ConnectMATEvents();
+  void LinkDiagramAndMAT();
+
   // Axes: the control panel and the ring of EOFs, in frmMain_axes.cpp.
   void ConnectAxisEvents();
   void StepAxisRing(bool next);
@@ -195,6 +201,7 @@ class frmMain : public QMainWindow {
   QPointer<frmTest> test_;
   QPointer<frmControl> control_;
   QPointer<frmDiagram> diagram_;
+  QPointer<frmMAT> mat_;
   QPointer<frmECC> ecc_;
 
   QTimer timer1_, timer2_;

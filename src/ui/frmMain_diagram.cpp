@@ -41,6 +41,7 @@ frmDiagram* frmMain::DiagramWindow() {
     connect(this, &frmMain::RedrawOthers, diagram_.data(), &frmDiagram::RedrawAll);
     connect(this, &frmMain::SampleChosen, diagram_.data(), &frmDiagram::MoveMarker);
     connect(diagram_, &frmDiagram::EccRequested, this, [this] { EccWindow()->Open(); });
+    LinkDiagramAndMAT();
   }
   return diagram_;
 }

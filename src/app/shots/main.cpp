@@ -25,6 +25,7 @@
 #include "ui/frmCorrelVar.h"
 #include "ui/frmDiagram.h"
 #include "ui/frmECC.h"
+#include "ui/frmMAT.h"
 #include "ui/frmMain.h"
 #include "ui/frmTest.h"
 
@@ -41,6 +42,25 @@ void Shot(QWidget* w, const char* name) {
   const QString path = g_folder + "/" + name + ".png";
   if (!w->grab().save(path)) std::fprintf(stderr, "could not write %s\n", qPrintable(path));
   std::printf("%s\n", qPrintable(path));
+}
+
+// The reconstruction of the example core: the curve with error bars and
+// smoothing, the widened window after the error model, in colour and grey.
+void ShotReconstruction(varnoth::frmMain& w, varnoth::ScriptedDialogs& dialogs) {
+  w.Command8->click();
+  varnoth::frmMAT* mat = w.MATWindow();
+  Shot(mat, "mat-start");
+  dialogs.OpenNames.push_back(std::string(VARNOTH_EXAMPLES_DIR) + "/climate.csv");
+  mat->Command1->click();
+  Shot(mat, "mat-curve");
+  mat->Check5->click();
+  Shot(mat, "mat-curve-error-bars");
+  mat->Command3->click();
+  Shot(mat, "mat-error-model");
+  w.mnuGrey->trigger();
+  Shot(mat, "mat-error-model-grey");
+  w.mnuColor->trigger();
+  mat->hide();
 }
 
 // The EOF-climate correlation window from the diagram's Tools menu, with
@@ -166,6 +186,7 @@ int main(int argc, char* argv[]) {
   }
   diagram->nmuConiss->trigger();
   Shot(diagram, "diagram-coniss");
+  ShotReconstruction(w, dialogs);
   EccShots(w, dialogs);
   diagram->hide();
 
