@@ -56,10 +56,15 @@ long ThresholdSlider(const Options& o) {
   return static_cast<long>(hundredths);
 }
 
+// The interpolated climate stands in for a climate file.
+bool Applies(const Options& o) {
+  return o.Has("--climate") || (o.Has("--stations") && o.Has("--fossil"));
+}
+
 void Check(const Options& o) {
-  if (!o.Has("--climate")) {
+  if (!Applies(o)) {
     for (const auto& name : kOwnOptions)
-      if (o.Has(name)) throw UsageError{name + " needs --climate"};
+      if (o.Has(name)) throw UsageError{name + " needs --climate, or --stations with --fossil"};
     return;
   }
   if (!o.Has("--reference") || !o.Has("--fossil"))
@@ -131,7 +136,10 @@ void RunReconstructionStep(Context& c) {
   if (!s.EofDone || !s.ProjectionDone)
     Stop("The reconstruction needs the EOF analysis of both tables.");
   const std::string path = c.Opts.Get("--climate");
-  ClimateImportResult imported = Inport_climate_data(s, path, c.Dialogs);
+  // Climate handed over by the interpolation needs no file.
+  ClimateImportResult imported;
+  imported.Ok = s.SiteInfoLoaded;
+  if (!imported.Ok) imported = Inport_climate_data(s, path, c.Dialogs);
   if (!imported.Ok) {
     if (imported.Failure == FailureKind::FileNotFound)
       Stop("Cannot read the climate file " + path + ".");
@@ -153,7 +161,11 @@ void RunReconstructionStep(Context& c) {
   Write(SaveCurveAll(s, c.Out("curve-all.csv"), progress), c.Out("curve-all.csv"));
   Write(SaveCurveAllwithE(s, c.Out("curve-all-with-error.csv"), progress),
         c.Out("curve-all-with-error.csv"));
-  Write(SaveDistAna(s, c.Out("analogue-details.csv"), progress), c.Out("analogue-details.csv"));
+  const SiteInfo sites{s.Interp.SiteMapNames, s.Interp.SiteLongitude, s.Interp.SiteLatitude,
+                       s.Interp.SiteAltitude};
+  Write(
+      SaveDistAna(s, c.Out("analogue-details.csv"), progress, s.SiteInfoLoaded ? &sites : nullptr),
+      c.Out("analogue-details.csv"));
   Write(SaveCurve(s, c.Out("curve.csv"), progress), c.Out("curve.csv"));
   Write(SaveCurveWithE(s, c.Out("curve-with-error.csv"), progress), c.Out("curve-with-error.csv"));
 
@@ -182,7 +194,7 @@ const bool registered = RegisterStep(
           {"--parameter", "NAME", "parameter of curve.csv and curve-with-error.csv (the first)"},
           {"--error-model", "", "leave-one-out estimates: one scatter-<parameter>.csv each"}},
          Check,
-         [](const Options& o) { return o.Has("--climate"); },
+         Applies,
          RunReconstructionStep});
 
 }  // namespace
