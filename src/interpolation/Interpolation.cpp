@@ -60,32 +60,106 @@ struct RowPlace {
   const double* Lapse;  // columns 0..C
 };
 
-struct Work {
-  std::vector<double> Sum, Raise;
+// Stations by cells at least R wide, each cell's stations in file order:
+// a row then looks only at the cells its radius touches. Used when the
+// radius is small against the stations' extent.
+struct CellGrid {
+  bool Used = false;
+  double MinX = 0, MinY = 0, Cell = 1;
+  long NX = 0, NY = 0;
+  std::vector<int> Start;  // per cell, CSR offsets into Items
+  std::vector<int> Items;  // 0-based station indices
+
+  long CellOf(double v, double min, long n) const {
+    const double c = std::floor((v - min) / Cell);
+    return c < 0 ? -1 : c >= static_cast<double>(n) ? n : static_cast<long>(c);
+  }
 };
 
+constexpr long kGridSide = 1024;
+
+CellGrid MakeGrid(const StationTable& t, double radius) {
+  CellGrid g;
+  if (t.Count < 64 || !(radius > 0) || !std::isfinite(radius)) return g;
+  const auto [minX, maxX] = std::minmax_element(t.X.begin(), t.X.end());
+  const auto [minY, maxY] = std::minmax_element(t.Y.begin(), t.Y.end());
+  const double width = *maxX - *minX, height = *maxY - *minY;
+  // A radius near the extent gains nothing over the plain scan.
+  if (!(width >= 4 * radius && height >= 4 * radius)) return g;
+  g.Cell = std::max({radius, width / kGridSide, height / kGridSide});
+  g.MinX = *minX;
+  g.MinY = *minY;
+  g.NX = static_cast<long>(width / g.Cell) + 1;
+  g.NY = static_cast<long>(height / g.Cell) + 1;
+  std::vector<long> cellOf(static_cast<std::size_t>(t.Count));
+  g.Start.assign(static_cast<std::size_t>(g.NX * g.NY + 1), 0);
+  for (long j = 0; j < t.Count; ++j) {
+    const long cx = std::min(g.NX - 1, std::max(0L, g.CellOf(t.X[j], g.MinX, g.NX)));
+    const long cy = std::min(g.NY - 1, std::max(0L, g.CellOf(t.Y[j], g.MinY, g.NY)));
+    cellOf[j] = cy * g.NX + cx;
+    ++g.Start[static_cast<std::size_t>(cellOf[j] + 1)];
+  }
+  for (std::size_t c = 1; c < g.Start.size(); ++c) g.Start[c] += g.Start[c - 1];
+  g.Items.resize(static_cast<std::size_t>(t.Count));
+  std::vector<int> fill(g.Start.begin(), g.Start.end() - 1);
+  for (long j = 0; j < t.Count; ++j) g.Items[fill[cellOf[j]]++] = static_cast<int>(j);
+  g.Used = true;
+  return g;
+}
+
+struct Work {
+  std::vector<double> Sum, Raise;
+  std::vector<std::pair<int, double>> Reach;  // station and distance
+};
+
+// The stations that take part for a row: within R and not at distance 0,
+// with their distances, in file order.
+void StationsInReach(const StationTable& t, const CellGrid& g, const RowPlace& row, double radius,
+                     Work& work) {
+  work.Reach.clear();
+  const double bound = radius >= 0 ? radius * radius * kSquareMargin : -1;
+  const double* xs = t.X.data();
+  const double* ys = t.Y.data();
+  auto consider = [&](long j) {
+    const double dx = row.X - xs[j], dy = row.Y - ys[j];
+    const double square = dx * dx + dy * dy;
+    if (square > bound || square == 0) return;
+    const double d = std::pow(square, 0.5);
+    if (radius >= d) work.Reach.emplace_back(static_cast<int>(j), d);
+  };
+  if (!g.Used) {
+    for (long j = 0; j < t.Count; ++j) consider(j);
+    return;
+  }
+  const double reach = radius * kSquareMargin;
+  const long x0 = std::max(0L, g.CellOf(row.X - reach, g.MinX, g.NX));
+  const long x1 = std::min(g.NX - 1, g.CellOf(row.X + reach, g.MinX, g.NX));
+  const long y0 = std::max(0L, g.CellOf(row.Y - reach, g.MinY, g.NY));
+  const long y1 = std::min(g.NY - 1, g.CellOf(row.Y + reach, g.MinY, g.NY));
+  for (long cy = y0; cy <= y1; ++cy)
+    for (long cx = x0; cx <= x1; ++cx) {
+      const long c = cy * g.NX + cx;
+      for (int q = g.Start[c]; q < g.Start[c + 1]; ++q) consider(g.Items[q]);
+    }
+  std::sort(work.Reach.begin(), work.Reach.end(),
+            [](const auto& a, const auto& b) { return a.first < b.first; });
+}
+
 // Inverse-distance weighting of the stations within R, in file order.
-void WeightedRow(const StationTable& t, const RowPlace& row, double radius, double power,
-                 const Array1<std::uint8_t>& nonNegative, double* out, Work& work) {
+void WeightedRow(const StationTable& t, const CellGrid& g, const RowPlace& row, double radius,
+                 double power, const Array1<std::uint8_t>& nonNegative, double* out, Work& work) {
   const long width = t.Width;
   work.Sum.assign(static_cast<std::size_t>(width), 0.0);
   work.Raise.resize(static_cast<std::size_t>(width));
   for (long q = 0; q < width; ++q) work.Raise[q] = row.Altitude * row.Lapse[q + 6] / 100;
   double* sum = work.Sum.data();
   const double* raise = work.Raise.data();
-  const double bound = radius >= 0 ? radius * radius * kSquareMargin : -1;
-  const double* xs = t.X.data();
-  const double* ys = t.Y.data();
+  StationsInReach(t, g, row, radius, work);
   double weights = 0;
-  for (long j = 0; j < t.Count; ++j) {
-    const double dx = row.X - xs[j], dy = row.Y - ys[j];
-    const double square = dx * dx + dy * dy;
-    if (square > bound || square == 0) continue;
-    const double d = std::pow(square, 0.5);
-    if (!(radius >= d)) continue;
+  for (const auto& [j, d] : work.Reach) {
     const double w = std::pow(d, power);
     weights += w;
-    const double* sea = t.SeaLevel.data() + j * width;
+    const double* sea = t.SeaLevel.data() + static_cast<long>(j) * width;
     for (long q = 0; q < width; ++q) sum[q] += w * (sea[q] + raise[q]);
   }
   for (long k = 1; k <= t.Columns; ++k) {
@@ -159,6 +233,7 @@ void DoInterpolation(Session& s, InterpMode mode, std::string_view exponent,
     st.InterpNonNegative.Require(c);
     const long block = std::max(64L, total / 50);
     const bool nearest = mode == InterpMode::MinimumDistance;
+    const CellGrid grid = nearest ? CellGrid{} : MakeGrid(t, radius);
 
     // Targets first, then the stations as their own targets.
     for (int stage = 0; stage < 2; ++stage) {
@@ -177,7 +252,7 @@ void DoInterpolation(Session& s, InterpMode mode, std::string_view exponent,
         if (nearest)
           st.InterpNearest(i) = NearestRow(t, row, radius, out);
         else
-          WeightedRow(t, row, radius, power, st.InterpNonNegative, out, work);
+          WeightedRow(t, grid, row, radius, power, st.InterpNonNegative, out, work);
       });
     }
 
