@@ -78,19 +78,29 @@ struct CellGrid {
 
 constexpr long kGridSide = 1024;
 
-CellGrid MakeGrid(const StationTable& t, double radius) {
-  CellGrid g;
-  if (t.Count < 64 || !(radius > 0) || !std::isfinite(radius)) return g;
+struct Extent {
+  double MinX = 0, MinY = 0, Width = 0, Height = 0;
+};
+
+Extent ExtentOf(const StationTable& t) {
+  Extent e;
+  if (t.Count == 0) return e;
   const auto [minX, maxX] = std::minmax_element(t.X.begin(), t.X.end());
   const auto [minY, maxY] = std::minmax_element(t.Y.begin(), t.Y.end());
-  const double width = *maxX - *minX, height = *maxY - *minY;
-  // A radius near the extent gains nothing over the plain scan.
-  if (!(width >= 4 * radius && height >= 4 * radius)) return g;
-  g.Cell = std::max({radius, width / kGridSide, height / kGridSide});
-  g.MinX = *minX;
-  g.MinY = *minY;
-  g.NX = static_cast<long>(width / g.Cell) + 1;
-  g.NY = static_cast<long>(height / g.Cell) + 1;
+  e.MinX = *minX;
+  e.MinY = *minY;
+  e.Width = *maxX - *minX;
+  e.Height = *maxY - *minY;
+  return e;
+}
+
+CellGrid BuildGrid(const StationTable& t, const Extent& e, double cell) {
+  CellGrid g;
+  g.Cell = std::max({cell, e.Width / kGridSide, e.Height / kGridSide});
+  g.MinX = e.MinX;
+  g.MinY = e.MinY;
+  g.NX = static_cast<long>(e.Width / g.Cell) + 1;
+  g.NY = static_cast<long>(e.Height / g.Cell) + 1;
   std::vector<long> cellOf(static_cast<std::size_t>(t.Count));
   g.Start.assign(static_cast<std::size_t>(g.NX * g.NY + 1), 0);
   for (long j = 0; j < t.Count; ++j) {
@@ -105,6 +115,23 @@ CellGrid MakeGrid(const StationTable& t, double radius) {
   for (long j = 0; j < t.Count; ++j) g.Items[fill[cellOf[j]]++] = static_cast<int>(j);
   g.Used = true;
   return g;
+}
+
+// Cells of the radius, when it is small against the stations' extent; a
+// radius near the extent gains nothing over the plain scan.
+CellGrid RadiusGrid(const StationTable& t, double radius) {
+  if (t.Count < 64 || !(radius > 0) || !std::isfinite(radius)) return {};
+  const Extent e = ExtentOf(t);
+  if (!(e.Width >= 4 * radius && e.Height >= 4 * radius)) return {};
+  return BuildGrid(t, e, radius);
+}
+
+// Cells of about two stations each, for the nearest-station search.
+CellGrid NearestGrid(const StationTable& t) {
+  if (t.Count < 64) return {};
+  const Extent e = ExtentOf(t);
+  if (!(e.Width > 0 && e.Height > 0)) return {};
+  return BuildGrid(t, e, std::sqrt(e.Width * e.Height * 2 / static_cast<double>(t.Count)));
 }
 
 struct Work {
@@ -172,21 +199,53 @@ void WeightedRow(const StationTable& t, const CellGrid& g, const RowPlace& row, 
 
 // The nearest station at non-zero distance, the first of equals; its value
 // is raised by the row's own rate over the whole altitude difference.
-Count NearestRow(const StationTable& t, const RowPlace& row, double radius, double* out) {
+Count NearestRow(const StationTable& t, const CellGrid& g, const RowPlace& row, double radius,
+                 double* out) {
   const double* xs = t.X.data();
   const double* ys = t.Y.data();
   double minimum = kStartMinimum;
   double bound = kStartMinimum * kStartMinimum * kSquareMargin;
   long nearest = -9999;
-  for (long j = 0; j < t.Count; ++j) {
+  // Of equal distances the earliest station wins, whatever the order of
+  // the visit.
+  auto consider = [&](long j) {
     const double dx = row.X - xs[j], dy = row.Y - ys[j];
     const double square = dx * dx + dy * dy;
-    if (square > bound || square == 0) continue;
+    if (square > bound || square == 0) return;
     const double d = std::pow(square, 0.5);
-    if (minimum > d) {
+    if (minimum > d || (minimum == d && j + 1 < nearest)) {
+      if (minimum > d) bound = square * kSquareMargin;
       minimum = d;
       nearest = j + 1;
-      bound = square * kSquareMargin;
+    }
+  };
+  if (!g.Used) {
+    for (long j = 0; j < t.Count; ++j) consider(j);
+  } else {
+    // Rings of cells around the row's cell; stations beyond ring r lie at
+    // least (r - 1) cells away, allowing for the rounding of the cells.
+    const long cx = std::min(g.NX - 1, std::max(0L, g.CellOf(row.X, g.MinX, g.NX)));
+    const long cy = std::min(g.NY - 1, std::max(0L, g.CellOf(row.Y, g.MinY, g.NY)));
+    const long last = std::max(g.NX, g.NY);
+    auto visit = [&](long ix, long iy) {
+      if (ix < 0 || ix >= g.NX || iy < 0 || iy >= g.NY) return;
+      const long c = iy * g.NX + ix;
+      for (int q = g.Start[c]; q < g.Start[c + 1]; ++q) consider(g.Items[q]);
+    };
+    for (long r = 0; r <= last; ++r) {
+      if (r == 0) {
+        visit(cx, cy);
+      } else {
+        for (long ix = cx - r; ix <= cx + r; ++ix) {
+          visit(ix, cy - r);
+          visit(ix, cy + r);
+        }
+        for (long iy = cy - r + 1; iy <= cy + r - 1; ++iy) {
+          visit(cx - r, iy);
+          visit(cx + r, iy);
+        }
+      }
+      if (static_cast<double>(r - 1) * g.Cell > minimum * kSquareMargin) break;
     }
   }
   for (long k = 6; k <= t.Columns; ++k) {
@@ -233,7 +292,7 @@ void DoInterpolation(Session& s, InterpMode mode, std::string_view exponent,
     st.InterpNonNegative.Require(c);
     const long block = std::max(64L, total / 50);
     const bool nearest = mode == InterpMode::MinimumDistance;
-    const CellGrid grid = nearest ? CellGrid{} : MakeGrid(t, radius);
+    const CellGrid grid = nearest ? NearestGrid(t) : RadiusGrid(t, radius);
 
     // Targets first, then the stations as their own targets.
     for (int stage = 0; stage < 2; ++stage) {
@@ -250,7 +309,7 @@ void DoInterpolation(Session& s, InterpMode mode, std::string_view exponent,
         const RowPlace row{xs(i), ys(i), alts(i), lapse.Row(i, c)};
         double* out = estimate.Row(i, c);
         if (nearest)
-          st.InterpNearest(i) = NearestRow(t, row, radius, out);
+          st.InterpNearest(i) = NearestRow(t, grid, row, radius, out);
         else
           WeightedRow(t, grid, row, radius, power, st.InterpNonNegative, out, work);
       });

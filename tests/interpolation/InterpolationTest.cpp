@@ -4,6 +4,7 @@
 // distance arrays on random stations.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 
@@ -334,4 +335,35 @@ TEST_F(InterpFixture, ProgressRunsOverTargetsThenStations) {
   EXPECT_TRUE(p.Rising);
   EXPECT_GE(p.Steps, 2);
   EXPECT_EQ(p.Finished, 1);
+}
+
+TEST_F(InterpFixture, TiesOnALatticeGoToTheEarliestStationAsInThePlainLoop) {
+  // Stations on a 12 x 9 lattice in a shuffled file order; targets between
+  // four of them, on them, and outside the lattice, where many stations
+  // stand at equal distances.
+  std::vector<StationRow> stations;
+  std::mt19937 rng(7);
+  for (int x = 0; x < 12; ++x)
+    for (int y = 0; y < 9; ++y)
+      stations.push_back(At("L" + std::to_string(x) + "_" + std::to_string(y), x, y, 10.0 * x, 0.5,
+                            2, {x + 0.1 * y, 100.0 + y, -1.0 * x}));
+  std::shuffle(stations.begin(), stations.end(), rng);
+  std::vector<StationRow> targets;
+  for (int i = 0; i < 40; ++i) {
+    const double x = (i % 10) * 1.5 - 1.5, y = (i / 10) * 2.5 - 0.5;
+    targets.push_back(At("T" + std::to_string(i), x, y, 5.0 * i, 0.6, 1));
+  }
+  Load({"Temp", "Prec", "Sun"}, stations, targets);
+  for (InterpMode mode : {kNearest, kWeighted}) {
+    for (const char* r : {"1", "1.5", "4"}) {
+      DoInterpolation(s, mode, "-2", r, progress);
+      const LiteralInterpolation plain =
+          RunInterpolationLiteral(s.Interp, mode, -2, StrictParse(r));
+      ExpectSameValues(s.Interp.InterpTargetEstimate, plain.Target);
+      ExpectSameValues(s.Interp.InterpRefEstimate, plain.Station);
+      if (mode == kNearest) {
+        EXPECT_EQ(s.Interp.InterpNearest, plain.Nearest);
+      }
+    }
+  }
 }
