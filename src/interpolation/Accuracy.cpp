@@ -3,28 +3,11 @@
 #include <cmath>
 
 #include "state/Format.h"
-#include "state/RecordWriter.h"
+#include "state/RecordFile.h"
 
 namespace varnoth {
 
 namespace {
-
-template <typename Body>
-bool Save(const std::optional<std::string>& path, Progress& progress, long rows, Body body) {
-  if (!path) return false;
-  progress.Start(rows);
-  bool written = false;
-  try {
-    RecordWriter w;
-    body(w);
-    w.Save(*path);
-    written = true;
-  } catch (const RuntimeFailure&) {
-  }
-  progress.Step(0);
-  progress.Finish();
-  return written;
-}
 
 bool BothValues(const InterpolationState& st, long i, long k) {
   return st.InterpRefEstimate(i, k) != kMissing && st.InterpRefClimate(i, k) != kMissing;
@@ -135,7 +118,7 @@ bool SaveInterpMatrix(const Session& s, const std::optional<std::string>& path,
                       Progress& progress) {
   const InterpolationState& st = s.Interp;
   const long k = st.InterpCurrentParam;
-  return Save(path, progress, st.InterpRefCount, [&](RecordWriter& w) {
+  return SaveRecordFile(path, progress, st.InterpRefCount, [&](RecordWriter& w) {
     const std::string& name = st.InterpParamNames(k);
     w.Text(name + " (Estimated)").Text(name + " (Observed)").End();
     for (long i = 1; i <= st.InterpRefCount; ++i) {
@@ -149,7 +132,7 @@ bool SaveInterpMatrix(const Session& s, const std::optional<std::string>& path,
 bool SaveTestFile(const Session& s, const std::optional<std::string>& path, Progress& progress) {
   const InterpolationState& st = s.Interp;
   const long c = st.InterpColumnCount;
-  return Save(path, progress, st.InterpRefCount, [&](RecordWriter& w) {
+  return SaveRecordFile(path, progress, st.InterpRefCount, [&](RecordWriter& w) {
     w.Text("Test");
     for (long k = 1; k <= c; ++k) w.Text(st.InterpParamNames(k));
     w.End();

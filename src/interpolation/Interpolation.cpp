@@ -6,7 +6,7 @@
 
 #include "state/Format.h"
 #include "state/Parallel.h"
-#include "state/RecordWriter.h"
+#include "state/RecordFile.h"
 
 namespace varnoth {
 
@@ -334,12 +334,8 @@ void DoInterpolation(Session& s, InterpMode mode, std::string_view exponent,
 
 bool SaveInterpolatedClimate(const Session& s, const std::optional<std::string>& path,
                              Progress& progress) {
-  if (!path) return false;
-  progress.Start(s.RefSiteCount);
-  bool written = false;
-  try {
-    const long m = s.ClimateParamCount;
-    RecordWriter w;
+  const long m = s.ClimateParamCount;
+  return SaveRecordFile(path, progress, s.RefSiteCount, [&](RecordWriter& w) {
     w.Text("Site");
     for (long k = 1; k <= m; ++k) w.Text(s.ClimateParamNames(k));
     w.End();
@@ -349,13 +345,7 @@ bool SaveInterpolatedClimate(const Session& s, const std::optional<std::string>&
       for (long k = 1; k <= m; ++k) w.Number(s.ClimateData(i, k));
       w.End();
     }
-    w.Save(*path);
-    written = true;
-  } catch (const RuntimeFailure&) {
-  }
-  progress.Step(0);
-  progress.Finish();
-  return written;
+  });
 }
 
 }  // namespace varnoth

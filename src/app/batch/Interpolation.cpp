@@ -32,18 +32,6 @@ void Check(const Options& o) {
   }
 }
 
-[[noreturn]] void Stop(const std::string& message) {
-  std::cerr << "Error: " << message << "\n";
-  throw RunStopped{};
-}
-
-std::string FilePart(const std::string& name) {
-  std::string out = name;
-  for (char& c : out)
-    if (!std::isalnum(static_cast<unsigned char>(c)) && c != '-' && c != '_' && c != '.') c = '_';
-  return out;
-}
-
 void Import(Context& c, Count mode, const std::string& option, const std::string& what) {
   const std::string path = c.Opts.Get(option);
   const InterpImportResult r = ImportData(c.S, mode, path, c.Dialogs);
@@ -52,10 +40,6 @@ void Import(Context& c, Count mode, const std::string& option, const std::string
   if (r.Failure == FailureKind::FileNotFound) Stop("Cannot read the " + what + " " + path + ".");
   Stop("The " + what + " " + path + " could not be read (" +
        FailureName(r.Failure.value_or(FailureKind::InvalidCall)) + ").");
-}
-
-void Write(bool written, const std::string& path) {
-  if (!written) Stop("Cannot write " + path + ".");
 }
 
 void RunInterpolationStep(Context& c) {
@@ -71,14 +55,14 @@ void RunInterpolationStep(Context& c) {
   st.Radius = c.Opts.Get("--radius", st.Radius);
   DoInterpolation(s, st, progress);
 
-  Write(SaveInterpolatedClimate(s, c.Out("climate.csv"), progress), c.Out("climate.csv"));
-  Write(SaveTestFile(s, c.Out("stations-loo.csv"), progress), c.Out("stations-loo.csv"));
+  Written(SaveInterpolatedClimate(s, c.Out("climate.csv"), progress), c.Out("climate.csv"));
+  Written(SaveTestFile(s, c.Out("stations-loo.csv"), progress), c.Out("stations-loo.csv"));
   InterpolationState& in = s.Interp;
   for (Count k = 6; k <= in.InterpColumnCount; ++k) {
     in.InterpCurrentParam = k;
     ScatterPairsPL(s);
     const std::string file = c.Out("accuracy-" + FilePart(in.InterpParamNames(k)) + ".csv");
-    Write(SaveInterpMatrix(s, file, progress), file);
+    Written(SaveInterpMatrix(s, file, progress), file);
   }
   // The accuracy window opens at the first parameter.
   in.InterpCurrentParam = 6;

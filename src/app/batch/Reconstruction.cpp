@@ -113,23 +113,6 @@ AnalogueSettings SettingsFrom(const Session& s, const Options& o) {
   return st;
 }
 
-[[noreturn]] void Stop(const std::string& message) {
-  std::cerr << "Error: " << message << "\n";
-  throw RunStopped{};
-}
-
-// A parameter's name as part of a file name.
-std::string FilePart(const std::string& name) {
-  std::string out = name;
-  for (char& c : out)
-    if (!std::isalnum(static_cast<unsigned char>(c)) && c != '-' && c != '_' && c != '.') c = '_';
-  return out;
-}
-
-void Write(bool written, const std::string& path) {
-  if (!written) Stop("Cannot write " + path + ".");
-}
-
 void RunReconstructionStep(Context& c) {
   Session& s = c.S;
   NoProgress progress;
@@ -158,16 +141,17 @@ void RunReconstructionStep(Context& c) {
          std::string(kNoAnalogueLines[1]).substr(1) + " " +
          std::string(kNoAnalogueLines[2]).substr(1));
 
-  Write(SaveCurveAll(s, c.Out("curve-all.csv"), progress), c.Out("curve-all.csv"));
-  Write(SaveCurveAllwithE(s, c.Out("curve-all-with-error.csv"), progress),
-        c.Out("curve-all-with-error.csv"));
+  Written(SaveCurveAll(s, c.Out("curve-all.csv"), progress), c.Out("curve-all.csv"));
+  Written(SaveCurveAllwithE(s, c.Out("curve-all-with-error.csv"), progress),
+          c.Out("curve-all-with-error.csv"));
   const SiteInfo sites{s.Interp.SiteMapNames, s.Interp.SiteLongitude, s.Interp.SiteLatitude,
                        s.Interp.SiteAltitude};
-  Write(
+  Written(
       SaveDistAna(s, c.Out("analogue-details.csv"), progress, s.SiteInfoLoaded ? &sites : nullptr),
       c.Out("analogue-details.csv"));
-  Write(SaveCurve(s, c.Out("curve.csv"), progress), c.Out("curve.csv"));
-  Write(SaveCurveWithE(s, c.Out("curve-with-error.csv"), progress), c.Out("curve-with-error.csv"));
+  Written(SaveCurve(s, c.Out("curve.csv"), progress), c.Out("curve.csv"));
+  Written(SaveCurveWithE(s, c.Out("curve-with-error.csv"), progress),
+          c.Out("curve-with-error.csv"));
 
   if (!c.Opts.Has("--error-model")) return;
   GenerateErrorModel(s, st, progress);
@@ -175,7 +159,7 @@ void RunReconstructionStep(Context& c) {
   for (Count p = 1; p <= s.ClimateParamCount; ++p) {
     s.CurrentParameter = p;
     const std::string file = c.Out("scatter-" + FilePart(s.ClimateParamNames(p)) + ".csv");
-    Write(SaveScatter(s, file, progress), file);
+    Written(SaveScatter(s, file, progress), file);
   }
   s.CurrentParameter = shown;
   s.ErrorModelReady = true;
