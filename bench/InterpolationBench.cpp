@@ -82,8 +82,9 @@ long PeakKilobytes() {
 
 void Label(benchmark::State& state, long peakBefore, bool literal) {
   state.counters["peak MB"] = static_cast<double>(PeakKilobytes() - peakBefore) / 1024;
-  state.counters["pairs/s"] = benchmark::Counter(
-      (static_cast<double>(kTargets) + kStations) * kStations, benchmark::Counter::kIsIterationInvariantRate);
+  state.counters["pairs/s"] =
+      benchmark::Counter((static_cast<double>(kTargets) + kStations) * kStations,
+                         benchmark::Counter::kIsIterationInvariantRate);
   state.SetLabel(literal ? "plain loop, full distance arrays, 1 thread"
                          : std::to_string(WorkerCount()) + " threads");
 }
