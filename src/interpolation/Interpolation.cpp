@@ -126,7 +126,9 @@ CellGrid RadiusGrid(const StationTable& t, double radius) {
   return BuildGrid(t, e, radius);
 }
 
-// Cells of about two stations each, for the nearest-station search.
+// Cells of about two stations each, for the nearest-station search: at most
+// about Nr / 2 cells, so that even a row far from every station, which
+// walks all rings, costs no more than a plain scan.
 CellGrid NearestGrid(const StationTable& t) {
   if (t.Count < 64) return {};
   const Extent e = ExtentOf(t);

@@ -353,9 +353,13 @@ TEST_F(InterpFixture, TiesOnALatticeGoToTheEarliestStationAsInThePlainLoop) {
     const double x = (i % 10) * 1.5 - 1.5, y = (i / 10) * 2.5 - 0.5;
     targets.push_back(At("T" + std::to_string(i), x, y, 5.0 * i, 0.6, 1));
   }
+  // Far from every station: the nearest lies beyond many empty cells.
+  targets.push_back(At("Far1", 200, 3, 0, 0.6, 1));
+  targets.push_back(At("Far2", -150, -80, 0, 0.6, 1));
+  targets.push_back(At("Far3", 5.5, 60, 0, 0.6, 1));
   Load({"Temp", "Prec", "Sun"}, stations, targets);
   for (InterpMode mode : {kNearest, kWeighted}) {
-    for (const char* r : {"1", "1.5", "4"}) {
+    for (const char* r : {"1", "1.5", "4", "9999"}) {
       DoInterpolation(s, mode, "-2", r, progress);
       const LiteralInterpolation plain =
           RunInterpolationLiteral(s.Interp, mode, -2, StrictParse(r));
