@@ -134,6 +134,7 @@ ClimateImportResult Inport_climate_data(Session& s, const std::optional<std::str
   ClimateImportResult result;
   if (s.ClimateLoaded) {
     result.Ok = result.AlreadyLoaded = true;
+    s.SiteInfoLoaded = false;
     return result;
   }
   if (!path) {
@@ -143,6 +144,8 @@ ClimateImportResult Inport_climate_data(Session& s, const std::optional<std::str
   try {
     ReadClimate(s, *path, dialogs);
     result.Ok = true;
+    // The climate in use is now the file's, not the interpolation tool's.
+    s.SiteInfoLoaded = false;
   } catch (const ClimateAbort&) {
   } catch (const RuntimeFailure& e) {
     result.Failure = e.kind();
