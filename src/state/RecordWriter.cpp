@@ -27,13 +27,15 @@ RecordWriter& RecordWriter::Text(std::string_view s) {
 
 RecordWriter& RecordWriter::Number(double v) {
   Separate();
-  out_ += FormatGeneral(v);
+  char text[kNumberTextMax];
+  out_.append(text, WriteGeneral(text, v));
   return *this;
 }
 
 RecordWriter& RecordWriter::Single(float v) {
   Separate();
-  out_ += FormatSingle(v);
+  char text[kNumberTextMax];
+  out_.append(text, WriteSingle(text, v));
   return *this;
 }
 
