@@ -2,7 +2,8 @@
 
 namespace varnoth::kernels {
 
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && !defined(__SANITIZE_ADDRESS__)
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && \
+    !defined(__SANITIZE_ADDRESS__)
 #define VARNOTH_CLONES __attribute__((target_clones("avx2", "default")))
 #else
 #define VARNOTH_CLONES
@@ -26,10 +27,18 @@ namespace varnoth::kernels {
 // ones otherwise.
 typedef double Quad __attribute__((vector_size(32)));
 
-VARNOTH_CLONES void SumProducts4x8(const double* a, std::size_t aStepK, std::size_t aStepI,
-                                   const double* b, std::size_t bStepK, long count,
-                                   double* out) {
+namespace {
+template <bool Carry>
+inline __attribute__((always_inline)) void Products4x8(const double* a, std::size_t aStepK,
+                                                       std::size_t aStepI, const double* b,
+                                                       std::size_t bStepK, long count,
+                                                       double* out) {
   Quad acc[4][2] = {};
+  if (Carry)
+    for (int ii = 0; ii < 4; ++ii) {
+      __builtin_memcpy(&acc[ii][0], out + ii * 8, sizeof(Quad));
+      __builtin_memcpy(&acc[ii][1], out + ii * 8 + 4, sizeof(Quad));
+    }
   for (long k = 0; k < count; ++k) {
     const double* bk = b + static_cast<std::size_t>(k) * bStepK;
     const double* ak = a + static_cast<std::size_t>(k) * aStepK;
@@ -47,6 +56,17 @@ VARNOTH_CLONES void SumProducts4x8(const double* a, std::size_t aStepK, std::siz
     __builtin_memcpy(out + ii * 8, &acc[ii][0], sizeof(Quad));
     __builtin_memcpy(out + ii * 8 + 4, &acc[ii][1], sizeof(Quad));
   }
+}
+}  // namespace
+
+VARNOTH_CLONES void SumProducts4x8(const double* a, std::size_t aStepK, std::size_t aStepI,
+                                   const double* b, std::size_t bStepK, long count, double* out) {
+  Products4x8<false>(a, aStepK, aStepI, b, bStepK, count, out);
+}
+
+VARNOTH_CLONES void AddProducts4x8(const double* a, std::size_t aStepK, std::size_t aStepI,
+                                   const double* b, std::size_t bStepK, long count, double* out) {
+  Products4x8<true>(a, aStepK, aStepI, b, bStepK, count, out);
 }
 
 }  // namespace varnoth::kernels

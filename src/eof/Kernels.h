@@ -21,6 +21,10 @@ namespace varnoth::kernels {
 // The caller pads its arrays so that every such element exists.
 void SumProducts4x8(const double* a, std::size_t aStepK, std::size_t aStepI, const double* b,
                     std::size_t bStepK, long count, double* out);
+// The same sums carried on from the 32 values in `out`: summing rows in
+// pieces this way gives the same numbers as one call over all of them.
+void AddProducts4x8(const double* a, std::size_t aStepK, std::size_t aStepI, const double* b,
+                    std::size_t bStepK, long count, double* out);
 
 }  // namespace varnoth::kernels
 
