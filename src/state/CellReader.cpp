@@ -1,10 +1,11 @@
 #include "state/CellReader.h"
 
-#include <cstdint>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <cstdint>
 
 #include "state/Failure.h"
 #include "state/Format.h"
@@ -43,7 +44,8 @@ CellReader CellReader::FromFile(const std::string& path) {
   struct stat info {};
   if (::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0) {
     // A regular file is mapped: no copy, and no zeroed pages to fill.
-    void* m = ::mmap(nullptr, static_cast<std::size_t>(info.st_size), PROT_READ, MAP_PRIVATE, fd, 0);
+    void* m =
+        ::mmap(nullptr, static_cast<std::size_t>(info.st_size), PROT_READ, MAP_PRIVATE, fd, 0);
     if (m != MAP_FAILED) {
       ::close(fd);
       CellReader r;
@@ -115,11 +117,13 @@ double CellReader::NextLenient(bool& empty) {
   if (i < n && (s[i] == '-' || s[i] == '+')) negative = s[i++] == '-';
   std::uint64_t mantissa = 0;
   std::size_t first = i;
-  while (i < n && s[i] >= '0' && s[i] <= '9') mantissa = mantissa * 10 + static_cast<std::uint64_t>(s[i++] - '0');
+  while (i < n && s[i] >= '0' && s[i] <= '9')
+    mantissa = mantissa * 10 + static_cast<std::uint64_t>(s[i++] - '0');
   std::size_t digits = i - first, fraction = 0;
   if (i < n && s[i] == '.') {
     std::size_t point = ++i;
-    while (i < n && s[i] >= '0' && s[i] <= '9') mantissa = mantissa * 10 + static_cast<std::uint64_t>(s[i++] - '0');
+    while (i < n && s[i] >= '0' && s[i] <= '9')
+      mantissa = mantissa * 10 + static_cast<std::uint64_t>(s[i++] - '0');
     fraction = i - point;
     digits += fraction;
   }

@@ -33,8 +33,8 @@ class CellReader {
   CellReader() = default;
   void SkipByteOrderMark();
 
-  std::string owned_;        // content read into memory
-  void* mapped_ = nullptr;   // or the file mapped, when it could be
+  std::string owned_;       // content read into memory
+  void* mapped_ = nullptr;  // or the file mapped, when it could be
   const char* data_ = nullptr;
   std::size_t size_ = 0;
   std::size_t pos_ = 0;

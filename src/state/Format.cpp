@@ -120,8 +120,7 @@ char* WriteDigits(char* out, double v, int precision) {
   if constexpr (!kExtended) return PrintDigits(out, v, precision);
   const bool negative = std::signbit(v);
   const long double a = std::fabs(static_cast<long double>(v));
-  std::uint64_t top = 1;  // 10^precision
-  for (int k = 0; k < precision; ++k) top *= 10;
+  const std::uint64_t top = precision == 15 ? 1000000000000000u : 10000000u;  // 10^precision
   const long double upper = static_cast<long double>(top), lower = upper / 10;
   // Decimal exponent: about log2 |v| log10 2, then stepped to the decade
   // where the scaled value has `precision` digits before the point.
@@ -139,10 +138,10 @@ char* WriteDigits(char* out, double v, int precision) {
       break;
     }
   }
-  long double whole = std::floor(scaled);
-  long double fraction = scaled - whole;
+  std::uint64_t d = static_cast<std::uint64_t>(scaled);  // scaled is positive: the floor
+  const long double fraction = scaled - static_cast<long double>(d);
   if (fraction > 0.499L && fraction < 0.501L) return PrintDigits(out, v, precision);
-  std::uint64_t d = static_cast<std::uint64_t>(whole) + (fraction > 0.5L ? 1 : 0);
+  if (fraction > 0.5L) ++d;
   if (d >= top) {  // rounded up into the next decade
     d /= 10;
     ++x;

@@ -35,15 +35,23 @@ struct Target {
 };
 
 Target ReferenceTarget(Session& s) {
-  return {true,         &s.RefFileName,  &s.RefSiteCount,     &s.RefTaxaCount,
-          &s.RefSiteNames, &s.RefTaxaNames, &s.RefLabelsAreText, &s.RefData,
-          &s.SiteIsExtreme, &s.RefScoreRaw, &s.RefScores};
+  return {true,
+          &s.RefFileName,
+          &s.RefSiteCount,
+          &s.RefTaxaCount,
+          &s.RefSiteNames,
+          &s.RefTaxaNames,
+          &s.RefLabelsAreText,
+          &s.RefData,
+          &s.SiteIsExtreme,
+          &s.RefScoreRaw,
+          &s.RefScores};
 }
 
 Target FossilTarget(Session& s) {
-  return {false,          &s.FossilFileName,  &s.FossilSampleCount,   &s.FossilTaxaCount,
-          &s.FossilLabels,   &s.FossilTaxaNames, &s.FossilLabelsAreText, &s.FossilData,
-          &s.SampleIsOut,    &s.FossilScoreRaw,  &s.FossilScores};
+  return {false,           &s.FossilFileName,  &s.FossilSampleCount,   &s.FossilTaxaCount,
+          &s.FossilLabels, &s.FossilTaxaNames, &s.FossilLabelsAreText, &s.FossilData,
+          &s.SampleIsOut,  &s.FossilScoreRaw,  &s.FossilScores};
 }
 
 // Rows of values during the read, grown as rows arrive; the capacity limit
@@ -89,8 +97,7 @@ void CheckTaxa(Session& s, Dialogs& dialogs) {
     const std::string& fossil = s.FossilTaxaNames(j);
     const std::string& reference = s.RefTaxaNames(j);
     if (fossil == reference) continue;
-    if (!dialogs.Question("Name inconsistent.  [" + fossil + "] = [" + reference + "]?",
-                          "Error"))
+    if (!dialogs.Question("Name inconsistent.  [" + fossil + "] = [" + reference + "]?", "Error"))
       throw ImportAbort{};
     c = Increment(c);
     s.TaxaMismatch(c) = "[" + fossil + "]/[" + reference + "]";
@@ -101,7 +108,8 @@ void CheckTaxa(Session& s, Dialogs& dialogs) {
 void RunImport(Session& s, const Target& t, const std::optional<std::string>& path,
                Dialogs& dialogs) {
   const bool fossil = !t.reference;
-  if (!s.ReferenceIsBase && !s.FossilIsBase) (t.reference ? s.ReferenceIsBase : s.FossilIsBase) = true;
+  if (!s.ReferenceIsBase && !s.FossilIsBase)
+    (t.reference ? s.ReferenceIsBase : s.FossilIsBase) = true;
   const bool isBase = t.reference ? s.ReferenceIsBase : s.FossilIsBase;
 
   if (!path) throw RuntimeFailure(FailureKind::Cancelled);
@@ -260,8 +268,8 @@ static ImportResult Import(Session& s, bool reference, const std::optional<std::
   return result;
 }
 
-ImportResult ImportReference(Session& s, const std::optional<std::string>& path,
-                             Dialogs& dialogs, Progress& progress) {
+ImportResult ImportReference(Session& s, const std::optional<std::string>& path, Dialogs& dialogs,
+                             Progress& progress) {
   return Import(s, true, path, dialogs, progress);
 }
 

@@ -51,6 +51,12 @@ RecordWriter& RecordWriter::End() {
   return *this;
 }
 
+RecordWriter& RecordWriter::Append(const RecordWriter& records) {
+  out_ += records.out_;
+  fieldOpen_ = records.fieldOpen_;
+  return *this;
+}
+
 void RecordWriter::Save(const std::string& path) const {
   std::ofstream f(path, std::ios::binary | std::ios::trunc);
   if (!f) throw RuntimeFailure(FailureKind::FileNotFound, path);

@@ -10,11 +10,13 @@ namespace varnoth {
 class RecordWriter {
  public:
   RecordWriter& Text(std::string_view s);
-  RecordWriter& Number(double v);   // double precision general form
-  RecordWriter& Single(float v);    // single precision general form
+  RecordWriter& Number(double v);  // double precision general form
+  RecordWriter& Single(float v);   // single precision general form
   RecordWriter& Integer(long long v);
   // Ends the record with CR LF.
   RecordWriter& End();
+  // Adds the whole records of another writer after the records so far.
+  RecordWriter& Append(const RecordWriter& records);
   // Writes the fields so far with no line end (the next record then
   // continues on the same line, after a comma).
   const std::string& Content() const { return out_; }
