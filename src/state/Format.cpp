@@ -1,5 +1,6 @@
 #include "state/Format.h"
 
+#include <bit>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -32,37 +33,35 @@ constexpr char kDigitPairs[] =
     "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
     "8081828384858687888990919293949596979899";
 
-// The digits of d (no leading zeros) into out, right to left; returns the count.
-int IntegerDigits(char* out, std::uint64_t d) {
-  char tmp[24];
-  char* p = tmp + sizeof tmp;
-  while (d >= 100) {
-    unsigned pair = static_cast<unsigned>(d % 100);
+// The `count` digits of d, leading zeros included, into out.
+void FixedDigits(char* out, std::uint64_t d, int count) {
+  int k = count;
+  for (; k >= 2; k -= 2) {
+    const unsigned pair = static_cast<unsigned>(d % 100);
     d /= 100;
-    *--p = kDigitPairs[2 * pair + 1];
-    *--p = kDigitPairs[2 * pair];
+    out[k - 2] = kDigitPairs[2 * pair];
+    out[k - 1] = kDigitPairs[2 * pair + 1];
   }
-  if (d >= 10) {
-    *--p = kDigitPairs[2 * d + 1];
-    *--p = kDigitPairs[2 * d];
-  } else {
-    *--p = static_cast<char>('0' + d);
-  }
-  int n = static_cast<int>(tmp + sizeof tmp - p);
-  std::memcpy(out, p, static_cast<std::size_t>(n));
-  return n;
+  if (k == 1) out[0] = static_cast<char>('0' + d % 10);
 }
+
+// Copies of a fixed 16 bytes, which compile to two moves; the buffers leave
+// room for them beyond the text.
+inline void Copy16(char* to, const char* from) { std::memcpy(to, from, 16); }
 
 // The layout %G gives to `count` significant digits with decimal exponent x
 // (value = d.ddd x 10^x) at precision `precision`, trailing zeros removed.
+// `digits` has 32 readable bytes and `out` room for kNumberTextMax.
 char* LayOut(char* out, bool negative, const char* digits, int count, int x, int precision) {
   if (negative) *out++ = '-';
   if (x < -4 || x >= precision) {
-    *out++ = digits[0];
+    out[0] = digits[0];
     if (count > 1) {
-      *out++ = '.';
-      std::memcpy(out, digits + 1, static_cast<std::size_t>(count - 1));
-      out += count - 1;
+      out[1] = '.';
+      Copy16(out + 2, digits + 1);
+      out += count + 1;
+    } else {
+      out += 1;
     }
     *out++ = 'E';
     *out++ = x < 0 ? '-' : '+';
@@ -76,24 +75,22 @@ char* LayOut(char* out, bool negative, const char* digits, int count, int x, int
     return out;
   }
   if (x < 0) {
-    *out++ = '0';
-    *out++ = '.';
-    for (int k = -1; k > x; --k) *out++ = '0';
-    std::memcpy(out, digits, static_cast<std::size_t>(count));
+    out[0] = '0';
+    out[1] = '.';
+    out[2] = out[3] = out[4] = '0';  // up to three zeros after the point
+    out += 1 - x;
+    Copy16(out, digits);
     return out + count;
   }
   // x + 1 digits before the point, zeros where the digits run out.
+  Copy16(out, digits);
   if (count <= x + 1) {
-    std::memcpy(out, digits, static_cast<std::size_t>(count));
-    out += count;
-    for (int k = count; k <= x; ++k) *out++ = '0';
-    return out;
+    for (int k = count; k <= x; ++k) out[k] = '0';
+    return out + x + 1;
   }
-  std::memcpy(out, digits, static_cast<std::size_t>(x + 1));
-  out += x + 1;
-  *out++ = '.';
-  std::memcpy(out, digits + x + 1, static_cast<std::size_t>(count - x - 1));
-  return out + count - x - 1;
+  out[x + 1] = '.';
+  Copy16(out + x + 2, digits + x + 1);
+  return out + count + 1;
 }
 
 // Correctly rounded digits by one extended-precision product: v 10^q is
@@ -118,13 +115,15 @@ long double PowerOfTen(int q) {
 char* WriteDigits(char* out, double v, int precision) {
   if (!std::isfinite(v) || v == 0) return WriteSpecial(out, v);
   if constexpr (!kExtended) return PrintDigits(out, v, precision);
-  const bool negative = std::signbit(v);
+  const std::uint64_t bits = std::bit_cast<std::uint64_t>(v);
+  const bool negative = (bits >> 63) != 0;
   const long double a = std::fabs(static_cast<long double>(v));
   const std::uint64_t top = precision == 15 ? 1000000000000000u : 10000000u;  // 10^precision
   const long double upper = static_cast<long double>(top), lower = upper / 10;
   // Decimal exponent: about log2 |v| log10 2, then stepped to the decade
   // where the scaled value has `precision` digits before the point.
-  int x = (std::ilogb(v) * 78913) >> 18;
+  const int biased = static_cast<int>((bits >> 52) & 0x7FF);
+  int x = ((biased != 0 ? biased - 1023 : std::ilogb(v)) * 78913) >> 18;
   long double scaled = 0;
   for (int attempt = 0;; ++attempt) {
     if (attempt == 4) return PrintDigits(out, v, precision);
@@ -138,17 +137,18 @@ char* WriteDigits(char* out, double v, int precision) {
       break;
     }
   }
-  std::uint64_t d = static_cast<std::uint64_t>(scaled);  // scaled is positive: the floor
+  // Nearest integer in the current rounding mode (one store, no mode change).
+  std::uint64_t d = static_cast<std::uint64_t>(__builtin_llrintl(scaled));
   const long double fraction = scaled - static_cast<long double>(d);
-  if (fraction > 0.499L && fraction < 0.501L) return PrintDigits(out, v, precision);
-  if (fraction > 0.5L) ++d;
+  if (fraction > 0.499L || fraction < -0.499L) return PrintDigits(out, v, precision);
   if (d >= top) {  // rounded up into the next decade
     d /= 10;
     ++x;
   }
-  while (d % 10 == 0) d /= 10;
-  char digits[24];
-  int count = IntegerDigits(digits, d);
+  char digits[48];
+  FixedDigits(digits, d, precision);
+  int count = precision;
+  while (digits[count - 1] == '0') --count;
   return LayOut(out, negative, digits, count, x, precision);
 }
 

@@ -13,7 +13,7 @@ std::string FormatGeneral(double v);
 std::string FormatSingle(float v);
 // The same texts written in place, for writers of many numbers: `out` has
 // room for kNumberTextMax characters; the end of the text is returned.
-constexpr int kNumberTextMax = 32;
+constexpr int kNumberTextMax = 48;
 char* WriteGeneral(char* out, double v);
 char* WriteSingle(char* out, float v);
 
