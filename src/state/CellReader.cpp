@@ -22,8 +22,9 @@ CellReader::CellReader(CellReader&& other) noexcept
     : owned_(std::move(other.owned_)),
       mapped_(other.mapped_),
       size_(other.size_),
-      pos_(other.pos_) {
-  data_ = mapped_ ? static_cast<const char*>(mapped_) : owned_.data();
+      pos_(other.pos_),
+      part_(other.part_) {
+  data_ = mapped_ ? static_cast<const char*>(mapped_) : part_ ? other.data_ : owned_.data();
   other.mapped_ = nullptr;
   other.data_ = nullptr;
   other.size_ = other.pos_ = 0;
@@ -69,6 +70,21 @@ CellReader CellReader::FromFile(const std::string& path) {
   }
   ::close(fd);
   return CellReader(std::move(content));
+}
+
+CellReader CellReader::Part(std::size_t from) const {
+  CellReader r;
+  r.data_ = data_;
+  r.size_ = size_;
+  r.pos_ = from;
+  r.part_ = true;
+  return r;
+}
+
+std::size_t CellReader::NextLineStart(std::size_t from) const {
+  for (std::size_t i = from; i < size_; ++i)
+    if (data_[i] == '\n') return i + 1;
+  return size_;
 }
 
 static bool IsBlank(char c) { return c == ' ' || c == '\t'; }
