@@ -37,6 +37,22 @@ void MeanAndDeviation(long count, F value, double& mean, double& deviation) {
   deviation = std::sqrt(Div(squares, count));
 }
 
+// Work on groups of 32 columns or slices of 256 rows, spread over the cores;
+// each column still sums its rows in index order.
+template <typename Body>
+void ForColumnGroups(long n, Body body) {
+  constexpr long kGroup = 32;
+  ParallelTasks((n + kGroup - 1) / kGroup,
+                [&](long t) { body(1 + t * kGroup, std::min(n, (t + 1) * kGroup)); });
+}
+
+template <typename Body>
+void ForRowSlices(long rows, Body body) {
+  constexpr long kSlice = 256;
+  ParallelTasks((rows + kSlice - 1) / kSlice,
+                [&](long t) { body(1 + t * kSlice, std::min(rows, (t + 1) * kSlice)); });
+}
+
 // Mean and population deviation of columns 1..n over rows 1..rows, walking
 // the rows so that memory is read in order; each column still sums its rows
 // in index order.
@@ -46,19 +62,21 @@ void ColumnStatistics(const Array2<double>& A, long rows, long n, std::vector<do
   mean.assign(static_cast<std::size_t>(n + 1), 0.0);
   deviation.assign(static_cast<std::size_t>(n + 1), 0.0);
   std::vector<double> sum(static_cast<std::size_t>(n + 1), 0.0), squares(sum);
-  for (long r = 1; r <= rows; ++r) {
-    const double* a = A.Row(r, n);
-    for (long j = 1; j <= n; ++j) sum[j] += a[j];
-  }
-  for (long j = 1; j <= n; ++j) mean[j] = Div(sum[j], rows);
-  for (long r = 1; r <= rows; ++r) {
-    const double* a = A.Row(r, n);
-    for (long j = 1; j <= n; ++j) {
-      double d = a[j] - mean[j];
-      squares[j] += d * d;
+  ForColumnGroups(n, [&](long j0, long j1) {
+    for (long r = 1; r <= rows; ++r) {
+      const double* a = A.Row(r, n);
+      for (long j = j0; j <= j1; ++j) sum[j] += a[j];
     }
-  }
-  for (long j = 1; j <= n; ++j) deviation[j] = std::sqrt(Div(squares[j], rows));
+    for (long j = j0; j <= j1; ++j) mean[j] = Div(sum[j], rows);
+    for (long r = 1; r <= rows; ++r) {
+      const double* a = A.Row(r, n);
+      for (long j = j0; j <= j1; ++j) {
+        double d = a[j] - mean[j];
+        squares[j] += d * d;
+      }
+    }
+    for (long j = j0; j <= j1; ++j) deviation[j] = std::sqrt(Div(squares[j], rows));
+  });
 }
 
 // The sort of PowerEigen: j walks up while neighbours are in order; a swap
@@ -80,10 +98,12 @@ void SortProcedure(long n, Less less, Swap swap) {
 // Columns sums of rows 1..rows, each in row order, for columns 1..cols.
 std::vector<double> ColumnSums(const Array2<double>& X, long rows, long cols) {
   std::vector<double> sums(static_cast<std::size_t>(cols + 1), 0.0);
-  for (long r = 1; r <= rows; ++r) {
-    const double* x = X.Row(r, cols);
-    for (long j = 1; j <= cols; ++j) sums[j] += x[j];
-  }
+  ForColumnGroups(cols, [&](long j0, long j1) {
+    for (long r = 1; r <= rows; ++r) {
+      const double* x = X.Row(r, cols);
+      for (long j = j0; j <= j1; ++j) sums[j] += x[j];
+    }
+  });
   return sums;
 }
 
@@ -149,11 +169,13 @@ void BuildMatrix(Session& s, const Array2<double>& X) {
   const long panels = (n + 7) / 8;
   // The centred columns in panels of 8 (zeros past column n).
   std::vector<double> D(static_cast<std::size_t>(panels * m * 8), 0.0);
-  for (long r = 1; r <= m; ++r) {
-    const double* x = X.Row(r, n);
-    for (long j = 1; j <= n; ++j)
-      D[static_cast<std::size_t>((((j - 1) / 8) * m + r - 1) * 8 + (j - 1) % 8)] = x[j] - mean[j];
-  }
+  ForRowSlices(m, [&](long r0, long r1) {
+    for (long r = r0; r <= r1; ++r) {
+      const double* x = X.Row(r, n);
+      for (long j = 1; j <= n; ++j)
+        D[static_cast<std::size_t>((((j - 1) / 8) * m + r - 1) * 8 + (j - 1) % 8)] = x[j] - mean[j];
+    }
+  });
   std::vector<double> S(static_cast<std::size_t>(stride * stride), 0.0);
   CrossProducts(D, m, n, S);
   auto cell = [&](long i, long j) { return S[static_cast<std::size_t>(i * stride + j)]; };
@@ -199,7 +221,7 @@ class PhaseTeam {
     }
     const std::uint64_t phase = ++phaseCount_;
     done_.store(0, std::memory_order_relaxed);
-    claim_.store(phase << 32, std::memory_order_release);
+    claim_.store(phase << 32 | static_cast<std::uint64_t>(parts_), std::memory_order_release);
     phase_.store(static_cast<std::uint32_t>(phase), std::memory_order_release);
     phase_.notify_one();
     Work(phase);
@@ -229,13 +251,18 @@ class PhaseTeam {
     __builtin_ia32_pause();
 #endif
   }
-  // Claims and does parts of `phase` until none is left.
-  void Work(std::uint64_t phase) {
+  // Claims and does parts of `phase` until none is left: the caller from
+  // the front, the helper from the back, so that each part tends to stay
+  // in the cache of the core that did it last time.
+  void Work(std::uint64_t phase, bool fromBack = false) {
     std::uint64_t x = claim_.load(std::memory_order_acquire);
-    while ((x >> 32) == phase && static_cast<long>(x & 0xFFFFFFFFu) < parts_) {
-      if (claim_.compare_exchange_weak(x, x + 1, std::memory_order_acq_rel,
+    for (;;) {
+      const std::uint64_t front = (x >> 16) & 0xFFFF, back = x & 0xFFFF;
+      if ((x >> 32) != phase || front >= back) return;
+      const std::uint64_t next = fromBack ? x - 1 : x + (1u << 16);
+      if (claim_.compare_exchange_weak(x, next, std::memory_order_acq_rel,
                                        std::memory_order_acquire)) {
-        part_(static_cast<long>(x & 0xFFFFFFFFu));
+        part_(static_cast<long>(fromBack ? back - 1 : front));
         done_.fetch_add(1, std::memory_order_acq_rel);
         x = claim_.load(std::memory_order_acquire);
       }
@@ -254,14 +281,15 @@ class PhaseTeam {
       seen = now;
       if (quit_.load(std::memory_order_acquire)) return;
       const std::uint64_t phase = claim_.load(std::memory_order_acquire) >> 32;
-      if (static_cast<std::uint32_t>(phase) == now) Work(phase);
+      if (static_cast<std::uint32_t>(phase) == now) Work(phase, true);
     }
   }
 
   const long parts_;
   const std::function<void(long)> part_;
   std::thread helper_;
-  std::atomic<std::uint64_t> claim_{0};  // phase number << 32 | next part
+  // Phase number << 32 | first unclaimed part << 16 | one past the last.
+  std::atomic<std::uint64_t> claim_{0};
   std::atomic<long> done_{0};
   std::atomic<std::uint32_t> phase_{0};
   std::atomic<bool> quit_{false};
@@ -484,16 +512,20 @@ void ComputeBaseScores(Session& s, const Array2<double>& X) {
     s.ColumnStd(0, j) = dev[j];
   }
   Array2<double> Z(m, n);
-  for (long r = 1; r <= m; ++r) {
-    const double* x = X.Row(r, n);
-    double* z = Z.Row(r, n);
-    for (long j = 1; j <= n; ++j) z[j] = dev[j] == 0 ? 0 : (x[j] - mean[j]) / dev[j];
-  }
+  ForRowSlices(m, [&](long r0, long r1) {
+    for (long r = r0; r <= r1; ++r) {
+      const double* x = X.Row(r, n);
+      double* z = Z.Row(r, n);
+      for (long j = 1; j <= n; ++j) z[j] = dev[j] == 0 ? 0 : (x[j] - mean[j]) / dev[j];
+    }
+  });
   std::vector<double> zsum(static_cast<std::size_t>(n + 1), 0.0);
-  for (long r = 1; r <= m; ++r) {
-    const double* z = Z.Row(r, n);
-    for (long j = 1; j <= n; ++j) zsum[j] += z[j];
-  }
+  ForColumnGroups(n, [&](long j0, long j1) {
+    for (long r = 1; r <= m; ++r) {
+      const double* z = Z.Row(r, n);
+      for (long j = j0; j <= j1; ++j) zsum[j] += z[j];
+    }
+  });
   for (long j = 1; j <= n; ++j) s.ColumnMean(1, j) = Div(zsum[j], m);
 
   Array2<double>& raw = s.ReferenceIsBase ? s.RefScoreRaw : s.FossilScoreRaw;
@@ -508,11 +540,13 @@ void ComputeBaseScores(Session& s, const Array2<double>& X) {
     s.ColumnMean(2, c) = mu[c];
     s.ColumnStd(2, c) = sd[c];
   }
-  for (long r = 1; r <= m; ++r) {
-    const double* in = raw.Row(r, n);
-    double* out = scores.Row(r, n);
-    for (long c = 1; c <= n; ++c) out[c] = sd[c] == 0 ? 0 : (in[c] - mu[c]) / sd[c];
-  }
+  ForRowSlices(m, [&](long r0, long r1) {
+    for (long r = r0; r <= r1; ++r) {
+      const double* in = raw.Row(r, n);
+      double* out = scores.Row(r, n);
+      for (long c = 1; c <= n; ++c) out[c] = sd[c] == 0 ? 0 : (in[c] - mu[c]) / sd[c];
+    }
+  });
 }
 
 void RunEofAnalysis(Session& s, Progress& progress) {
