@@ -51,16 +51,14 @@ RecordWriter& RecordWriter::End() {
   return *this;
 }
 
-RecordWriter& RecordWriter::Append(const RecordWriter& records) {
-  out_ += records.out_;
-  fieldOpen_ = records.fieldOpen_;
-  return *this;
-}
+void RecordWriter::Save(const std::string& path) const { Save(path, {}); }
 
-void RecordWriter::Save(const std::string& path) const {
+void RecordWriter::Save(const std::string& path, const std::vector<RecordWriter>& more) const {
   std::ofstream f(path, std::ios::binary | std::ios::trunc);
   if (!f) throw RuntimeFailure(FailureKind::FileNotFound, path);
   f.write(out_.data(), static_cast<std::streamsize>(out_.size()));
+  for (const RecordWriter& w : more)
+    f.write(w.out_.data(), static_cast<std::streamsize>(w.out_.size()));
   f.close();
   if (!f) throw RuntimeFailure(FailureKind::FileNotFound, path);
 }

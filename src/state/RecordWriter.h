@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace varnoth {
 
@@ -15,14 +16,14 @@ class RecordWriter {
   RecordWriter& Integer(long long v);
   // Ends the record with CR LF.
   RecordWriter& End();
-  // Adds the whole records of another writer after the records so far.
-  RecordWriter& Append(const RecordWriter& records);
   // Writes the fields so far with no line end (the next record then
   // continues on the same line, after a comma).
   const std::string& Content() const { return out_; }
   // Creates (or replaces) the file; a file that cannot be written is the
   // file failure.
   void Save(const std::string& path) const;
+  // The same, with the records of `more` after these, in order.
+  void Save(const std::string& path, const std::vector<RecordWriter>& more) const;
 
  private:
   void Separate();

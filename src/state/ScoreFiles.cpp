@@ -52,10 +52,10 @@ void Contributions(RecordWriter& w, const Session& s, long count) {
 }
 
 // The rows of a score table: `row(w, i)` writes record i. Slices of rows
-// are put into text on all cores and joined in order, so the file is the
-// one a single writer gives; the progress moves as slices are joined.
+// are put into text on all cores and written after the heading in order,
+// so the file is the one a single writer gives.
 template <typename Row>
-void Rows(RecordWriter& w, long rows, Progress& progress, Row row) {
+std::vector<RecordWriter> Rows(long rows, Progress& progress, Row row) {
   constexpr long kSlice = 256;
   const long slices = (rows + kSlice - 1) / kSlice;
   std::vector<RecordWriter> parts(static_cast<std::size_t>(std::max(0L, slices)));
@@ -63,10 +63,8 @@ void Rows(RecordWriter& w, long rows, Progress& progress, Row row) {
     RecordWriter& part = parts[static_cast<std::size_t>(t)];
     for (long i = t * kSlice + 1; i <= std::min(rows, (t + 1) * kSlice); ++i) row(part, i);
   });
-  for (long t = 0; t < slices; ++t) {
-    w.Append(parts[static_cast<std::size_t>(t)]);
-    progress.Step(std::min(rows, (t + 1) * kSlice));
-  }
+  if (rows > 0) progress.Step(rows);
+  return parts;
 }
 
 }  // namespace
@@ -108,12 +106,12 @@ void sSaveScore(const Session& s, const std::string& path, const FileStamp& stam
   w.Text("No. of reference sites: ").Integer(sites).End();
   EofNumbers(w, n);
   Contributions(w, s, n);
-  Rows(w, sites, progress, [&](RecordWriter& r, long i) {
+  auto rows = Rows(sites, progress, [&](RecordWriter& r, long i) {
     r.Text(s.RefSiteNames(i));
     for (long c = 1; c <= n; ++c) r.Number(s.RefScores(i, c));
     r.End();
   });
-  w.Save(path);
+  w.Save(path, rows);
   progress.Finish();
 }
 
@@ -158,13 +156,13 @@ void fSaveScore(const Session& s, const std::string& path, const FileStamp& stam
     w.Text(used ? "Yes" : "No");
   }
   w.End();
-  Rows(w, samples, progress, [&](RecordWriter& r, long i) {
+  auto rows = Rows(samples, progress, [&](RecordWriter& r, long i) {
     r.Text(s.FossilLabels(i));
     r.Text(!s.EnvelopeDone ? "?" : s.SampleIsOut(i) ? "Out" : "In");
     for (long c = 1; c <= n; ++c) r.Number(s.FossilScores(i, c));
     r.End();
   });
-  w.Save(path);
+  w.Save(path, rows);
   progress.Finish();
 }
 
