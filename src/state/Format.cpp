@@ -137,9 +137,12 @@ char* WriteDigits(char* out, double v, int precision) {
       break;
     }
   }
-  // Nearest integer in the current rounding mode (one store, no mode change).
-  std::uint64_t d = static_cast<std::uint64_t>(__builtin_llrintl(scaled));
-  const long double fraction = scaled - static_cast<long double>(d);
+  // Nearest integer, ties to even: adding 2^63 leaves no bits below the
+  // point of a 64-bit significand. The result is below 2^53, so it passes
+  // through a double exactly and converts without a change of mode.
+  const long double nearest = (scaled + 0x1p63L) - 0x1p63L;
+  std::uint64_t d = static_cast<std::uint64_t>(static_cast<double>(nearest));
+  const long double fraction = scaled - nearest;
   if (fraction > 0.499L || fraction < -0.499L) return PrintDigits(out, v, precision);
   if (d >= top) {  // rounded up into the next decade
     d /= 10;
