@@ -76,6 +76,20 @@ namespace varnoth::kernels {
 VARNOTH_CLONES void SumColumns(double* w, const double* a, std::size_t stride, const double* v,
                                std::size_t n, std::size_t first, std::size_t last) {
   std::size_t r = first;
+  // 32 sums at a time keep both adders busy past the latency of an add.
+  for (; r + 32 <= last; r += 32) {
+    Quad acc[8] = {};
+    for (std::size_t k = 0; k < n; ++k) {
+      const double* row = a + k * stride + r;
+      const Quad x = {v[k], v[k], v[k], v[k]};
+      for (int q = 0; q < 8; ++q) {
+        Quad y;
+        __builtin_memcpy(&y, row + 4 * q, sizeof y);
+        acc[q] += x * y;
+      }
+    }
+    for (int q = 0; q < 8; ++q) __builtin_memcpy(w + r + 4 * q, &acc[q], sizeof(Quad));
+  }
   for (; r + 16 <= last; r += 16) {
     Quad acc[4] = {};
     for (std::size_t k = 0; k < n; ++k) {

@@ -31,7 +31,7 @@ void AddProducts4x8(const double* a, std::size_t aStepK, std::size_t aStepI, con
 namespace varnoth::kernels {
 
 // w[r] = sum over k = 0..n-1, in that order, of v[k] * a[k * stride + r],
-// for r in [first, last). Sums of 16 neighbouring r run side by side in
+// for r in [first, last). Sums of 32 or 16 neighbouring r run side by side in
 // registers.
 void SumColumns(double* w, const double* a, std::size_t stride, const double* v, std::size_t n,
                 std::size_t first, std::size_t last);
