@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -203,7 +204,11 @@ void BuildMatrix(Session& s, const Array2<double>& X) {
 class PhaseTeam {
  public:
   PhaseTeam(long parts, std::function<void(long)> part) : parts_(parts), part_(std::move(part)) {
-    if (parts_ > 1 && WorkerCount() > 1) helper_ = std::thread([this] { Help(); });
+    try {
+      if (parts_ > 1 && WorkerCount() > 1) helper_ = std::thread([this] { Help(); });
+    } catch (const std::system_error&) {
+      // No thread to be had: the caller does every part.
+    }
   }
   ~PhaseTeam() {
     if (!helper_.joinable()) return;
@@ -219,7 +224,7 @@ class PhaseTeam {
       for (long p = 0; p < parts_; ++p) part_(p);
       return;
     }
-    const std::uint64_t phase = ++phaseCount_;
+    const std::uint64_t phase = ++phaseCount_;  // some thousands per analysis
     done_.store(0, std::memory_order_relaxed);
     claim_.store(phase << 32 | static_cast<std::uint64_t>(parts_), std::memory_order_release);
     phase_.store(static_cast<std::uint32_t>(phase), std::memory_order_release);
@@ -293,7 +298,7 @@ class PhaseTeam {
   std::atomic<long> done_{0};
   std::atomic<std::uint32_t> phase_{0};
   std::atomic<bool> quit_{false};
-  std::uint64_t phaseCount_ = 0;
+  std::uint32_t phaseCount_ = 0;
   bool shared_ = false;
   long aloneFor_ = 1, aloneUntil_ = 0, componentHint_ = 0;
 };

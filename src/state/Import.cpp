@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstring>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -102,7 +103,11 @@ class RowsAhead {
     if (n < 1 || left < (1u << 20) || WorkerCount() < 2) return;
     start_ = in.NextLineStart(in.Position() + left / 2);
     if (start_ >= in.Length()) return;
-    thread_ = std::thread([this, &in, n, text] { Read(in.Part(start_), n, text); });
+    try {
+      thread_ = std::thread([this, &in, n, text] { Read(in.Part(start_), n, text); });
+    } catch (const std::system_error&) {
+      // No thread to be had: the rows in order read everything.
+    }
   }
   ~RowsAhead() { Stop(); }
   RowsAhead(const RowsAhead&) = delete;

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <exception>
 #include <functional>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -71,7 +72,11 @@ inline void ParallelTasks(long count, const std::function<void(long)>& body) {
     }
   };
   std::vector<std::thread> threads;
-  for (unsigned w = 1; w < workers; ++w) threads.emplace_back(run, w);
+  try {
+    for (unsigned w = 1; w < workers; ++w) threads.emplace_back(run, w);
+  } catch (const std::system_error&) {
+    // Fewer threads than asked: those there are take all the tasks.
+  }
   run(0);
   for (auto& t : threads) t.join();
   for (auto& e : errors)
