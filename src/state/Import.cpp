@@ -1,5 +1,6 @@
 #include "state/Import.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <string>
@@ -98,11 +99,16 @@ std::string NormalisedLabel(std::string_view cell) { return FormatGeneral(Lenien
 // then read that half themselves, with the messages that belong to it.
 class RowsAhead {
  public:
-  RowsAhead(const CellReader& in, long n, bool text) {
+  // `expected` is the number of rows the file size suggests.
+  RowsAhead(const CellReader& in, long n, bool text, long expected) {
     const std::size_t left = in.Length() - in.Position();
     if (n < 1 || left < (1u << 20) || WorkerCount() < 2) return;
     start_ = in.NextLineStart(in.Position() + left / 2);
     if (start_ >= in.Length()) return;
+    // Room for a little more than half the rows, so that they are not moved.
+    const std::size_t room = static_cast<std::size_t>(std::min(expected, kRowUpper) / 2 + 64);
+    labels_.reserve(room);
+    values_.reserve(room * static_cast<std::size_t>(n + 1));
     try {
       thread_ = std::thread([this, &in, n, text] { Read(in.Part(start_), n, text); });
     } catch (const std::system_error&) {
@@ -223,10 +229,11 @@ void RunImport(Session& s, const Target& t, const std::optional<std::string>& pa
   // Room for the rows the file size suggests, judged by the cells so far.
   const double bytesPerCell = static_cast<double>(in.Position()) / static_cast<double>(2 * k - 3);
   double estimate = static_cast<double>(in.Length()) / (bytesPerCell * (n + 1)) * 1.1 + 8;
-  values.Reserve(estimate < kRowUpper ? static_cast<long>(estimate) : kRowUpper);
+  const long expected = estimate < kRowUpper ? static_cast<long>(estimate) : kRowUpper;
+  values.Reserve(expected);
   Count& rows = *t.rowCount;
   rows = 0;
-  RowsAhead ahead(in, n, text);
+  RowsAhead ahead(in, n, text, expected);
   for (long r = 1;; ++r) {
     if (r >= 3 && ahead.Start() == in.Position() && ahead.Finish()) {
       // The rows in order have arrived where the part began: take its rows.
