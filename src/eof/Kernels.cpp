@@ -73,36 +73,32 @@ VARNOTH_CLONES void AddProducts4x8(const double* a, std::size_t aStepK, std::siz
 
 namespace varnoth::kernels {
 
+namespace {
+// Sums of 4 Q neighbouring r, from r on, in registers.
+template <int Q>
+inline __attribute__((always_inline)) void SumColumnBlock(double* w, const double* a,
+                                                          std::size_t stride, const double* v,
+                                                          std::size_t n, std::size_t r) {
+  Quad acc[Q] = {};
+  for (std::size_t k = 0; k < n; ++k) {
+    const double* row = a + k * stride + r;
+    const Quad x = {v[k], v[k], v[k], v[k]};
+    for (int q = 0; q < Q; ++q) {
+      Quad y;
+      __builtin_memcpy(&y, row + 4 * q, sizeof y);
+      acc[q] += x * y;
+    }
+  }
+  for (int q = 0; q < Q; ++q) __builtin_memcpy(w + r + 4 * q, &acc[q], sizeof(Quad));
+}
+}  // namespace
+
 VARNOTH_CLONES void SumColumns(double* w, const double* a, std::size_t stride, const double* v,
                                std::size_t n, std::size_t first, std::size_t last) {
   std::size_t r = first;
   // 32 sums at a time keep both adders busy past the latency of an add.
-  for (; r + 32 <= last; r += 32) {
-    Quad acc[8] = {};
-    for (std::size_t k = 0; k < n; ++k) {
-      const double* row = a + k * stride + r;
-      const Quad x = {v[k], v[k], v[k], v[k]};
-      for (int q = 0; q < 8; ++q) {
-        Quad y;
-        __builtin_memcpy(&y, row + 4 * q, sizeof y);
-        acc[q] += x * y;
-      }
-    }
-    for (int q = 0; q < 8; ++q) __builtin_memcpy(w + r + 4 * q, &acc[q], sizeof(Quad));
-  }
-  for (; r + 16 <= last; r += 16) {
-    Quad acc[4] = {};
-    for (std::size_t k = 0; k < n; ++k) {
-      const double* row = a + k * stride + r;
-      const Quad x = {v[k], v[k], v[k], v[k]};
-      for (int q = 0; q < 4; ++q) {
-        Quad y;
-        __builtin_memcpy(&y, row + 4 * q, sizeof y);
-        acc[q] += x * y;
-      }
-    }
-    for (int q = 0; q < 4; ++q) __builtin_memcpy(w + r + 4 * q, &acc[q], sizeof(Quad));
-  }
+  for (; r + 32 <= last; r += 32) SumColumnBlock<8>(w, a, stride, v, n, r);
+  for (; r + 16 <= last; r += 16) SumColumnBlock<4>(w, a, stride, v, n, r);
   for (; r < last; ++r) {
     double sum = 0;
     for (std::size_t k = 0; k < n; ++k) sum += v[k] * a[k * stride + r];
