@@ -14,6 +14,8 @@ class RecordWriter {
   RecordWriter& Number(double v);  // double precision general form
   RecordWriter& Single(float v);   // single precision general form
   RecordWriter& Integer(long long v);
+  // Room for `bytes` of records, so that a long file is not moved as it grows.
+  void Reserve(std::size_t bytes) { out_.reserve(bytes); }
   // Ends the record with CR LF.
   RecordWriter& End();
   // Writes the fields so far with no line end (the next record then

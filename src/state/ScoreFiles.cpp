@@ -55,12 +55,14 @@ void Contributions(RecordWriter& w, const Session& s, long count) {
 // are put into text on all cores and written after the heading in order,
 // so the file is the one a single writer gives.
 template <typename Row>
-std::vector<RecordWriter> Rows(long rows, Progress& progress, Row row) {
+std::vector<RecordWriter> Rows(long rows, long columns, Progress& progress, Row row) {
   constexpr long kSlice = 256;
   const long slices = (rows + kSlice - 1) / kSlice;
   std::vector<RecordWriter> parts(static_cast<std::size_t>(std::max(0L, slices)));
   ParallelTasks(slices, [&](long t) {
     RecordWriter& part = parts[static_cast<std::size_t>(t)];
+    // A number takes at most 22 characters and its comma.
+    part.Reserve(static_cast<std::size_t>(kSlice * (23 * columns + 64)));
     for (long i = t * kSlice + 1; i <= std::min(rows, (t + 1) * kSlice); ++i) row(part, i);
   });
   if (rows > 0) progress.Step(rows);
@@ -106,7 +108,7 @@ void sSaveScore(const Session& s, const std::string& path, const FileStamp& stam
   w.Text("No. of reference sites: ").Integer(sites).End();
   EofNumbers(w, n);
   Contributions(w, s, n);
-  auto rows = Rows(sites, progress, [&](RecordWriter& r, long i) {
+  auto rows = Rows(sites, n, progress, [&](RecordWriter& r, long i) {
     r.Text(s.RefSiteNames(i));
     for (long c = 1; c <= n; ++c) r.Number(s.RefScores(i, c));
     r.End();
@@ -156,7 +158,7 @@ void fSaveScore(const Session& s, const std::string& path, const FileStamp& stam
     w.Text(used ? "Yes" : "No");
   }
   w.End();
-  auto rows = Rows(samples, progress, [&](RecordWriter& r, long i) {
+  auto rows = Rows(samples, n, progress, [&](RecordWriter& r, long i) {
     r.Text(s.FossilLabels(i));
     r.Text(!s.EnvelopeDone ? "?" : s.SampleIsOut(i) ? "Out" : "In");
     for (long c = 1; c <= n; ++c) r.Number(s.FossilScores(i, c));
