@@ -34,15 +34,26 @@ constexpr char kDigitPairs[] =
     "8081828384858687888990919293949596979899";
 
 // The `count` digits of d, leading zeros included, into out.
-void FixedDigits(char* out, std::uint64_t d, int count) {
+void FixedDigits(char* out, std::uint32_t d, int count) {
   int k = count;
   for (; k >= 2; k -= 2) {
-    const unsigned pair = static_cast<unsigned>(d % 100);
+    const unsigned pair = d % 100;
     d /= 100;
     out[k - 2] = kDigitPairs[2 * pair];
     out[k - 1] = kDigitPairs[2 * pair + 1];
   }
   if (k == 1) out[0] = static_cast<char>('0' + d % 10);
+}
+
+// Up to 16 digits as two independent halves of 8, which the processor can
+// work on side by side.
+void FixedDigits64(char* out, std::uint64_t d, int count) {
+  if (count <= 8) {
+    FixedDigits(out, static_cast<std::uint32_t>(d), count);
+    return;
+  }
+  FixedDigits(out, static_cast<std::uint32_t>(d / 100000000u), count - 8);
+  FixedDigits(out + count - 8, static_cast<std::uint32_t>(d % 100000000u), 8);
 }
 
 // Copies of a fixed 16 bytes, which compile to two moves; the buffers leave
@@ -149,7 +160,7 @@ char* WriteDigits(char* out, double v, int precision) {
     ++x;
   }
   char digits[48];
-  FixedDigits(digits, d, precision);
+  FixedDigits64(digits, d, precision);
   int count = precision;
   while (digits[count - 1] == '0') --count;
   return LayOut(out, negative, digits, count, x, precision);
