@@ -50,10 +50,9 @@ void DoProjection(Session& s, Progress& progress) {
   s.FossilScores.Require(f, n);
   for (long i = 1; i <= f; ++i)
     for (long c = 1; c <= n; ++c)
-      s.FossilScores(i, c) =
-          s.StatWork(2, c) == 0
-              ? 0
-              : Div(s.FossilScoreRaw(i, c) - s.ColumnMean(2, c), s.ColumnStd(2, c));
+      s.FossilScores(i, c) = s.StatWork(2, c) == 0
+                                 ? 0
+                                 : Div(s.FossilScoreRaw(i, c) - s.ColumnMean(2, c), s.ColumnStd(2, c));
   if (f >= 3) s.ProjectionDone = true;
   progress.Finish();
 }

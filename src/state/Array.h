@@ -53,7 +53,9 @@ inline std::size_t Extent(long upper) {
   if (upper < 0) ThrowSubscript();
   return static_cast<std::size_t>(upper) + 1;
 }
-inline bool Inside(long i, std::size_t extent) { return static_cast<unsigned long>(i) < extent; }
+inline bool Inside(long i, std::size_t extent) {
+  return static_cast<unsigned long>(i) < extent;
+}
 }  // namespace detail
 
 template <typename T>

@@ -30,7 +30,7 @@ class Progress {
   virtual ~Progress() = default;
   virtual void Start(long maximum) = 0;  // visible, value 0, busy pointer
   virtual void Step(long value) = 0;
-  virtual void Finish() = 0;  // hidden, value 0, normal pointer
+  virtual void Finish() = 0;             // hidden, value 0, normal pointer
 };
 
 // For callers that want no report.

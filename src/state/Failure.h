@@ -11,11 +11,11 @@ enum class FailureKind {
   SubscriptOutOfRange,  // an index outside an array's bounds
   Overflow,             // a 16-bit count or an integer conversion overflowed
   DivisionByZero,
-  TypeMismatch,  // a strict number parse failed
-  FileNotFound,  // a file could not be opened
-  InputPastEnd,  // the end of a file met inside a row
-  Cancelled,     // a file dialog was cancelled
-  InvalidCall,   // an argument outside what a routine accepts
+  TypeMismatch,         // a strict number parse failed
+  FileNotFound,         // a file could not be opened
+  InputPastEnd,         // the end of a file met inside a row
+  Cancelled,            // a file dialog was cancelled
+  InvalidCall,          // an argument outside what a routine accepts
 };
 
 class RuntimeFailure : public std::runtime_error {

@@ -23,8 +23,8 @@ inline constexpr const char* kFormatErrorMessage =
 // takes the failure path). Messages and the name question go through
 // `dialogs`. A failure leaves what was read in place and zeroes only the
 // taxa count of that data set.
-ImportResult ImportReference(Session& s, const std::optional<std::string>& path, Dialogs& dialogs,
-                             Progress& progress);
+ImportResult ImportReference(Session& s, const std::optional<std::string>& path,
+                             Dialogs& dialogs, Progress& progress);
 ImportResult ImportFossil(Session& s, const std::optional<std::string>& path, Dialogs& dialogs,
                           Progress& progress);
 
