@@ -165,11 +165,13 @@ void DrawPairScatter(const CalibState& c, int k, long rows, double t1, double t2
   if (t1 == t2) return;
   const double scale = kCalibCanvas / (t2 - t1);
   rows = std::min(rows, kPairRowLimit);
+  pic.SetDrawWidth(2);  // a dot that a single site still shows
   for (long s = 1; s <= rows; ++s) {
     const double x = c.PairData(k, s, 1), y = c.PairData(k, s, 2);
     if (x == kMissing || y == kMissing) continue;
     pic.Point((x - t1) * scale, kCalibCanvas - (y - t1) * scale, point);
   }
+  pic.SetDrawWidth(1);
   if (line) {
     const double a = c.FitSlope[1], b = c.FitIntercept[1];
     const double y1 = a * t1 + b, y2 = a * t2 + b;

@@ -32,7 +32,7 @@ namespace {
 // eight figures in two rows in the order of the data flow.
 constexpr int kPanelWidth = 272;
 constexpr int kFigure = 200, kFigureGap = 34, kFiguresLeft = kPanelWidth + 16;
-constexpr int kRowTop[2] = {26, 26 + kFigure + 48};
+constexpr int kRowTop[2] = {26, 26 + kFigure + 66};
 
 template <typename T>
 T* Named(T* w, const QString& name) {
@@ -88,7 +88,7 @@ frmCalib::frmCalib(Session& session, CalibState& calib, frmMAT& mat, ColourSetti
   BuildMenus();
   ConnectEvents();
   progress_.SetBar(ProgressBar1);
-  resize(kFiguresLeft + 4 * (kFigure + kFigureGap), 600);
+  resize(kFiguresLeft + 4 * (kFigure + kFigureGap), kRowTop[1] + kFigure + 70);
 }
 
 frmCalib::~frmCalib() = default;
@@ -211,9 +211,9 @@ void frmCalib::BuildControls() {
     if (f < 2) {
       // The names of the pair set's columns: x under, y over the scatter.
       Label14[static_cast<std::size_t>(f)] = MakeLabel(w, QString("Label14_%1").arg(f), QString(),
-                                                       r.x() + 40, r.bottom() + 18, kFigure - 40);
+                                                       r.x() + 40, r.bottom() + 20, kFigure - 80);
       Label15[static_cast<std::size_t>(f)] = MakeLabel(w, QString("Label15_%1").arg(f), QString(),
-                                                       r.x() + 40, r.y() - 18, kFigure - 40);
+                                                       r.x() + 44, r.y() - 18, kFigure - 44);
     }
   }
   // The value axes of Fig.1 to Fig.6 also stand on their left side.
