@@ -162,6 +162,7 @@ class frmCalib : public QMainWindow {
   void Slider4Changed();
   void ClearFigures(int firstFigure);
   void ShowFigures();
+  void PaintScatter(int k);
   void Overlays(bool clicked = false);
   void ImportPairs(int k);
   void ClearFigure(PictureBox* p);

@@ -290,24 +290,17 @@ void frmCalib::ResetRange() {
 }
 
 void frmCalib::DrawScatter(int k) {
-  const auto i = static_cast<std::size_t>(k);
   if (Text1->text().isEmpty() || Text2->text().isEmpty()) {
     const QSignalBlocker q1(Text1), q2(Text2);
     Text1->setText(mat_.Text1->text());
     Text2->setText(mat_.Text2->text());
   }
   SetRange();
-  const double t1 = LenientParse(c_.LastText1), t2 = LenientParse(c_.LastText2);
   if (k == 1 && !Check4->isChecked() && LenientParse(c_.Labels.Label12[1]) > 1) {
     FitPairSet1(c_);
     ShowLabels();
   }
-  PictureBox* p = Picture1[i];
-  DrawPairScatter(c_, k, c_.PairRows[i], t1, t2, colours_.CurveColour.ToQColor(),
-                  k == 1 && Check1->isChecked() && LenientParse(c_.Labels.Label12[1]) > 1,
-                  p->surface());
-  p->update();
-  ++shows_[i + 1];
+  PaintScatter(k);
   if (k == 1) {
     c_.PictDrawn[2] = true;
     Check1->setEnabled(true);
@@ -317,6 +310,17 @@ void frmCalib::DrawScatter(int k) {
   Check4->setEnabled(true);
   if (!Check4->isChecked()) ResetModel();
   EnableMenus();
+}
+
+void frmCalib::PaintScatter(int k) {
+  const auto i = static_cast<std::size_t>(k);
+  const double t1 = LenientParse(c_.LastText1), t2 = LenientParse(c_.LastText2);
+  PictureBox* p = Picture1[i];
+  DrawPairScatter(c_, k, c_.PairRows[i], t1, t2, colours_.CurveColour.ToQColor(),
+                  k == 1 && Check1->isChecked() && LenientParse(c_.Labels.Label12[1]) > 1,
+                  p->surface());
+  p->update();
+  ++shows_[i + 1];
 }
 
 void frmCalib::chRangeRedraw() {
@@ -440,8 +444,9 @@ void frmCalib::ReturnData() {
 void frmCalib::ResetColour() {
   RepaintCalibFigures(c_, Settings(), images_, c_.PictDrawn, colours_.GreyMode);
   ShowFigures();
-  if (c_.PictDrawn[1]) DrawScatter(0);
-  if (c_.PictDrawn[2]) DrawScatter(1);
+  // Only the colours change: the scatters are painted again, nothing reset.
+  if (c_.PictDrawn[1]) PaintScatter(0);
+  if (c_.PictDrawn[2]) PaintScatter(1);
 }
 
 void frmCalib::ToggleColours() {

@@ -7,9 +7,11 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPrinter>
 #include <QProcess>
 #include <QProgressBar>
@@ -164,6 +166,13 @@ class TestFrmCalib : public QObject {
   void printOptionsStoreAndCancel();
   void printedPdfHasPagesAndRegionColours();
   void closeClearsToolOpenAndSecondaryWindows();
+  void headerOnlyAndSinglePairFilesFitNoLine();
+  void generatedModelFollowsSlider4AndRangeWidth();
+  void uncheckingGenerateModelReturnsToFileState();
+  void rangeEditRedrawsScattersAndClearsChain();
+  void copyEntriesFollowDrawnFigures();
+  void hoverReadsValuesOnDrawnFigures();
+  void zEnhancementOfReconstructionRecoloursBoth();
 };
 
 void TestFrmCalib::loadDefaultsAndRangeFromReconstruction() {
@@ -663,6 +672,131 @@ void TestFrmCalib::closeClearsToolOpenAndSecondaryWindows() {
   QVERIFY(!r.cal->isVisible());
   QVERIFY(!r.cal->Chart()->isVisible());
   QVERIFY(!r.cal->State().CalibToolOpen);
+}
+
+void TestFrmCalib::headerOnlyAndSinglePairFilesFitNoLine() {
+  Road r;
+  r.Open();
+  frmCalib* c = r.cal;
+  r.dialogs.OpenNames.push_back(r.Write("header.csv", "Vest,Vobs\r\n"));
+  c->Command1[1]->click();
+  QCOMPARE(c->Label12[1]->text(), QString("0"));
+  QVERIFY(c->Label17->text().isEmpty());
+  QVERIFY(c->Label13[1]->text().isEmpty());
+  r.dialogs.OpenNames.push_back(r.Write("one.csv", "Vest,Vobs\r\n26,27\r\n28,\r\n"));
+  c->Command1[1]->click();
+  QCOMPARE(c->Label12[1]->text(), QString("1"));
+  QVERIFY(c->Label17->text().isEmpty());
+  QVERIFY(c->Label19->text().isEmpty());
+  // A cancelled import leaves everything as it was.
+  c->Command1[1]->click();
+  QCOMPARE(c->Label12[1]->text(), QString("1"));
+  QVERIFY(r.dialogs.Messages.empty());
+}
+
+void TestFrmCalib::generatedModelFollowsSlider4AndRangeWidth() {
+  Road r;
+  r.Open();
+  frmCalib* c = r.cal;
+  c->Text1->setText("30");
+  c->Text2->setText("25");
+  emit c->Text2->editingFinished();
+  c->Check4->click();
+  // The deviation is a percentage of |T1 - T2|, whichever is larger.
+  QCOMPARE(c->Label19->text(), QString("0.25"));
+  c->Slider4->setValue(1);
+  QCOMPARE(c->Label22->text(), QString("Std.Dev.: 1 % of range"));
+  QCOMPARE(c->Label19->text(), QString("0.05"));
+  QVERIFY(c->PictDrawn(3));
+  QVERIFY(!c->PictDrawn(4));
+  QVERIFY(c->Command3->isEnabled());
+}
+
+void TestFrmCalib::uncheckingGenerateModelReturnsToFileState() {
+  Road r;
+  r.Open();
+  frmCalib* c = r.cal;
+  c->Check4->click();
+  QVERIFY(!c->mnuCommonOutput->isEnabled());
+  c->Check4->click();
+  QVERIFY(c->Command1[1]->isEnabled());
+  QVERIFY(!c->Slider4->isEnabled());
+  QVERIFY(!c->Label22->isVisible());
+  QVERIFY(c->Label17->text().isEmpty());
+  QVERIFY(c->Label21[1]->text().isEmpty());
+  QVERIFY(!c->PictDrawn(3));
+  QVERIFY(!c->Command3->isEnabled());
+}
+
+void TestFrmCalib::rangeEditRedrawsScattersAndClearsChain() {
+  Road r;
+  r.Open();
+  r.Generated();
+  frmCalib* c = r.cal;
+  const int shows1 = c->FigureShows(1);
+  c->Text2->setText("32");
+  emit c->Text2->textEdited("32");
+  QCOMPARE(c->FigureShows(1), shows1 + 1);
+  for (QLabel* l : c->Label2) QCOMPARE(l->text(), QString("32"));
+  QVERIFY(!c->PictDrawn(8));
+  QVERIFY(!c->Command10->isEnabled());
+  // The generated model follows the new range at once.
+  QVERIFY(c->PictDrawn(3));
+  QVERIFY(c->Command3->isEnabled());
+  c->Command3->click();
+  QVERIFY(c->PictDrawn(8));
+}
+
+void TestFrmCalib::copyEntriesFollowDrawnFigures() {
+  Road r;
+  r.Open();
+  frmCalib* c = r.cal;
+  QVERIFY(c->CopyFig[1]->isEnabled() && c->CopyN[1]->isEnabled());
+  QVERIFY(!c->CopyFig[7]->isEnabled() && !c->CopyN[7]->isEnabled());
+  QVERIFY(!c->SaveMartixProb->isEnabled() && !c->SaveMatrixConfi->isEnabled());
+  r.Generated();
+  QVERIFY(c->CopyFig[7]->isEnabled() && c->CopyN[8]->isEnabled());
+  QVERIFY(c->SaveMartixProb->isEnabled() && c->SaveMatrixConfi->isEnabled());
+  c->CopyFig[8]->trigger();
+  QCOMPARE(QApplication::clipboard()->image().size(), c->Picture2[5]->surface().Image().size());
+  c->mnuAbout->trigger();
+  QWidget* about = c->findChild<QWidget*>("frmAbout");
+  QVERIFY(about && about->isVisible());
+}
+
+void TestFrmCalib::hoverReadsValuesOnDrawnFigures() {
+  Road r;
+  r.Open();
+  frmCalib* c = r.cal;
+  QTest::mouseMove(c->Picture2[0], QPoint(100, 100));
+  QMouseEvent blank(QEvent::MouseMove, QPointF(100, 100), QPointF(100, 100), Qt::NoButton,
+                    Qt::NoButton, Qt::NoModifier);
+  QApplication::sendEvent(c->Picture2[0], &blank);
+  QCOMPARE(c->StatusLabel->text(), QString("X: / Y: "));
+  r.Generated();
+  QMouseEvent drawn(QEvent::MouseMove, QPointF(100, 100), QPointF(100, 100), Qt::NoButton,
+                    Qt::NoButton, Qt::NoModifier);
+  QApplication::sendEvent(c->Picture2[0], &drawn);
+  // The middle of a figure on 25..30.
+  QVERIFY2(c->StatusLabel->text().startsWith("X: 27.5"), qPrintable(c->StatusLabel->text()));
+}
+
+void TestFrmCalib::zEnhancementOfReconstructionRecoloursBoth() {
+  Road r;
+  r.Open();
+  r.dialogs.OpenNames.push_back(r.PairFile());
+  r.cal->Command1[1]->click();
+  r.cal->Command3->click();
+  r.cal->Command10->click();
+  frmMAT* m = r.mat;
+  const QImage before = m->Picture4->surface().Image().copy();
+  const int shows7 = r.cal->FigureShows(7);
+  m->Slider5->setValue(40);
+  QCOMPARE(m->ZEnhancement(), 0.4);
+  QVERIFY(m->Picture4->surface().Image() != before);
+  QVERIFY(r.cal->FigureShows(7) > shows7);
+  // The matrices stay valid: only the colours changed.
+  QVERIFY(m->CalibReady());
 }
 
 QTEST_MAIN(TestFrmCalib)

@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QMouseEvent>
+#include <QPrinter>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
@@ -58,10 +59,26 @@ void ShotCalibration(varnoth::frmMain& w, varnoth::frmMAT* mat) {
   cal->Check6->click();
   cal->resize(1224, 620);  // the offscreen screen is smaller than the window
   Shot(cal, "calib");
+  // The printed pages as PDF files beside the pictures.
+  cal->ChoosePrinter = [](QWidget*) {
+    auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+    printer->setOutputFormat(QPrinter::PdfFormat);
+    printer->setOutputFileName(g_folder + "/calib-print.pdf");
+    return printer;
+  };
+  cal->Print().PrintTitle = "Example core: calibration of SumSST";
+  cal->PrintAllEntry->trigger();
   cal->PrepareChart(5);
   cal->Chart()->Slider1->setValue(50);
   cal->Chart()->Check2->click();
   Shot(cal->Chart(), "calib-chart-confidence");
+  cal->ChoosePrinter = [](QWidget*) {
+    auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+    printer->setOutputFormat(QPrinter::PdfFormat);
+    printer->setOutputFileName(g_folder + "/calib-chart-print.pdf");
+    return printer;
+  };
+  cal->Chart()->Print->trigger();
   cal->PrepareChart(4);
   Shot(cal->Chart(), "calib-chart-probability");
   cal->Command10->click();
