@@ -8,6 +8,7 @@
 #include <cmath>
 #include <random>
 
+#include "CalibSynthetic.h"
 #include "calibration/FineGrid.h"
 #include "calibration/HistMatrix.h"
 #include "calibration/MatrixChain.h"
@@ -20,39 +21,11 @@ using namespace varnoth;
 
 namespace {
 
-constexpr long kPairs = 2000;
+constexpr long kPairs = bench::kCalibPairs;
 constexpr int kFigure = 200;  // the tool's pictures
 
-class Quiet final : public Dialogs {
- public:
-  std::optional<std::string> OpenFileName(const std::string&) override { return std::nullopt; }
-  std::optional<std::string> SaveFileName(const std::string&) override { return std::nullopt; }
-  void Message(const std::string&, const std::string&) override {}
-  bool Question(const std::string&, const std::string&) override { return false; }
-};
-
-CalibState MakeState() {
-  CalibState c;
-  Quiet quiet;
-  c.Text1 = "0";
-  c.Text2 = "30";
-  SetRange(c, quiet);
-  std::mt19937 rng(5);
-  std::uniform_real_distribution<float> x(-2.0f, 32.0f);
-  std::normal_distribution<float> e(0.0f, 1.5f);
-  for (long s = 1; s <= kPairs; ++s) {
-    const float v = x(rng);
-    c.PairData(0, s, 1) = v;
-    c.PairData(0, s, 2) = v + e(rng) * (0.5f + v / 30);
-  }
-  c.FitSlope[1] = 0.98f;
-  c.FitIntercept[1] = 0.3f;
-  c.FitStdDev[1] = 1.2f;
-  return c;
-}
-
 struct Tool {
-  CalibState c = MakeState();
+  CalibState c = bench::MakeCalibState();
   CalibSettings st;
   ColourSettings colours;
   CalibImages images{colours, [] { return 1.0; }};

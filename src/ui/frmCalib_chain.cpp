@@ -21,16 +21,6 @@
 
 namespace varnoth {
 
-namespace {
-
-template <typename Control>
-void SetQuietly(Control* c, int value) {
-  const QSignalBlocker quiet(c);
-  c->setValue(value);
-}
-
-}  // namespace
-
 void frmCalib::ConnectEvents() {
   for (int k = 0; k < 2; ++k)
     connect(Command1[static_cast<std::size_t>(k)], &QPushButton::clicked, this,

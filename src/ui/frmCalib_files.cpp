@@ -12,6 +12,7 @@
 #include "calibration/FineGrid.h"
 #include "presentation/CalibPrint.h"
 #include "state/Format.h"
+#include "ui/PrinterTarget.h"
 #include "ui/frmCalib.h"
 #include "ui/frmOutPut2.h"
 
@@ -90,20 +91,7 @@ void frmCalib::PrintAll() {
     std::unique_ptr<QPrinter> printer = AskPrinter(this);
     if (!printer) return;
     BusyPointer::Set();
-    class Target final : public PrintTarget {
-     public:
-      explicit Target(QPrinter& p) : printer_(p), painter_(&p) {}
-      QPainter& Painter() override { return painter_; }
-      void NewPage() override { printer_.newPage(); }
-      QRect PageRect() const override {
-        return QRect(QPoint(0, 0),
-                     printer_.pageLayout().paintRectPixels(printer_.resolution()).size());
-      }
-
-     private:
-      QPrinter& printer_;
-      QPainter painter_;
-    } target(*printer);
+    PrinterTarget target(*printer);
     PrintTo(target);
     BusyPointer::Restore();
   });

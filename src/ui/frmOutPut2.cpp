@@ -16,6 +16,7 @@
 #include "presentation/CalibPrint.h"
 #include "state/Format.h"
 #include "ui/PictureBox.h"
+#include "ui/PrinterTarget.h"
 #include "ui/WindowPlacement.h"
 #include "ui/frmCalib.h"
 #include "ui/frmMAT.h"
@@ -311,20 +312,7 @@ void frmOutPut2::PrintChart() {
     std::unique_ptr<QPrinter> printer = calib_.AskPrinter(this);
     if (!printer) return;
     BusyPointer::Set();
-    class Target final : public PrintTarget {
-     public:
-      explicit Target(QPrinter& p) : printer_(p), painter_(&p) {}
-      QPainter& Painter() override { return painter_; }
-      void NewPage() override { printer_.newPage(); }
-      QRect PageRect() const override {
-        return QRect(QPoint(0, 0),
-                     printer_.pageLayout().paintRectPixels(printer_.resolution()).size());
-      }
-
-     private:
-      QPrinter& printer_;
-      QPainter painter_;
-    } target(*printer);
+    PrinterTarget target(*printer);
     const PrintOptions& o = calib_.Print();
     PrintSettings ps{o.PrintDotSize, o.PrintFrameWidth, o.PrintZoom, o.PrintFontSize,
                      QString::fromStdString(o.PrintTitle)};
