@@ -210,8 +210,9 @@ void frmCalib::BuildControls() {
     Label2[static_cast<std::size_t>(f)]->setAlignment(Qt::AlignRight);
     if (f < 2) {
       // The names of the pair set's columns: x under, y over the scatter.
-      Label14[static_cast<std::size_t>(f)] = MakeLabel(w, QString("Label14_%1").arg(f), QString(),
-                                                       r.x() + 40, r.bottom() + 20, kFigure - 80);
+      Label14[static_cast<std::size_t>(f)] =
+          MakeLabel(w, QString("Label14_%1").arg(f), QString(), r.x(), r.bottom() + 20, kFigure);
+      Label14[static_cast<std::size_t>(f)]->setAlignment(Qt::AlignHCenter);
       Label15[static_cast<std::size_t>(f)] = MakeLabel(w, QString("Label15_%1").arg(f), QString(),
                                                        r.x() + 44, r.y() - 18, kFigure - 44);
     }
@@ -289,7 +290,20 @@ void frmCalib::BuildMenus() {
 }
 
 void frmCalib::Open() {
-  if (!loaded_) Load();
+  if (!loaded_) {
+    Load();
+  } else if (Text1->text() != mat_.Text1->text() || Text2->text() != mat_.Text2->text()) {
+    // The range boxes take the reconstruction window's limits at each opening.
+    {
+      const QSignalBlocker q1(Text1), q2(Text2);
+      Text1->setText(mat_.Text1->text());
+      Text2->setText(mat_.Text2->text());
+    }
+    boundary_.Run([this] {
+      SetRange();
+      chRangeRedraw();
+    });
+  }
   if (NeverPlaced(this)) PlaceBeside(this, &mat_);
   show();
   raise();

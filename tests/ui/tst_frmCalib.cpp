@@ -173,6 +173,7 @@ class TestFrmCalib : public QObject {
   void copyEntriesFollowDrawnFigures();
   void hoverReadsValuesOnDrawnFigures();
   void zEnhancementOfReconstructionRecoloursBoth();
+  void reopeningTakesTheReconstructionRange();
 };
 
 void TestFrmCalib::loadDefaultsAndRangeFromReconstruction() {
@@ -277,8 +278,15 @@ void TestFrmCalib::generatedModelRunsChainAndPaintsRegions() {
 void TestFrmCalib::slidersRerunOnlyTheTail() {
   Road r;
   r.Open();
-  r.Generated();
   frmCalib* c = r.cal;
+  c->Check4->click();
+  // Before "Start" a slider has no drawn figure to re-run from.
+  const std::array<int, 9> idle = r.Shows();
+  c->Slider3->setValue(8);
+  QVERIFY(r.Shows() == idle);
+  QVERIFY(!c->PictDrawn(5));
+  c->Slider3->setValue(10);
+  c->Command3->click();
   r.cal->Command10->click();
   QVERIFY(r.mat->CalibReady());
 
@@ -797,6 +805,23 @@ void TestFrmCalib::zEnhancementOfReconstructionRecoloursBoth() {
   QVERIFY(r.cal->FigureShows(7) > shows7);
   // The matrices stay valid: only the colours changed.
   QVERIFY(m->CalibReady());
+}
+
+void TestFrmCalib::reopeningTakesTheReconstructionRange() {
+  Road r;
+  r.Open();
+  r.Generated();
+  r.cal->Command10->click();
+  frmMAT* m = r.mat;
+  m->Text2->setText("31");
+  emit m->Text2->textEdited("31");
+  QVERIFY(!m->CalibReady());
+  m->Command6->click();
+  QCOMPARE(r.cal->Text2->text(), QString("31"));
+  QCOMPARE(r.cal->Label2[0]->text(), QString("31"));
+  QVERIFY(!r.cal->PictDrawn(8));
+  QVERIFY(r.cal->PictDrawn(3));  // the generated model follows the range
+  QVERIFY(r.cal->Command3->isEnabled());
 }
 
 QTEST_MAIN(TestFrmCalib)
