@@ -668,6 +668,14 @@ void TestFrmCalib::printedPdfHasPagesAndRegionColours() {
   QVERIFY(CountColour(images.Pages[1], RegionColour(false, 2)) > 1000);
   QVERIFY(CountColour(images.Pages[1], RegionColour(false, 1)) > 100);
   QVERIFY(CountColour(images.Pages[0], r.colours.CurveColour.ToQColor()) > 50);
+  // A smaller dot leaves white between the cells of a matrix.
+  c->Print().PrintDotSize = 3;
+  ImagePrintTarget smallDots(1000);
+  c->PrintTo(smallDots);
+  smallDots.End();
+  const int full8 = CountColour(images.Pages[1], RegionColour(false, 2));
+  const int small8 = CountColour(smallDots.Pages[1], RegionColour(false, 2));
+  QVERIFY2(small8 < full8 * 2 / 3, qPrintable(QString("%1 %2").arg(small8).arg(full8)));
 }
 
 void TestFrmCalib::closeClearsToolOpenAndSecondaryWindows() {
