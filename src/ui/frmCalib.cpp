@@ -425,7 +425,13 @@ void frmCalib::changeEvent(QEvent* event) {
 void frmCalib::Deactivated() {
   const double t1 = LenientParse(Text1->text().toStdString()),
                t2 = LenientParse(Text2->text().toStdString());
-  if (t1 != LenientParse(c_.LastText1) || t2 != LenientParse(c_.LastText2)) ResetRange();
+  if (t1 != LenientParse(c_.LastText1) || t2 != LenientParse(c_.LastText2)) {
+    // A generated model is made again for the new range.
+    if (c_.PictDrawn[1])
+      chRangeRedraw();
+    else
+      ResetRange();
+  }
   SetRange();
 }
 

@@ -255,7 +255,8 @@ void frmCalib::ImportPairs(int k) {
     ShowLabels();
     ResetData(k);
     DrawScatter(0);
-    DrawScatter(1);
+    // An empty pair set 1 is no model: its scatter waits for its file.
+    if (!Check4->isChecked() && c_.PairRows[1] > 0) DrawScatter(1);
     if (c_.PictDrawn[1] && c_.PictDrawn[2]) {
       Command3->setEnabled(true);
       Command3->setFocus();

@@ -211,6 +211,13 @@ void TestFrmCalib::startDisabledUntilBothScattersDrawn() {
   QVERIFY(r.cal->PictDrawn(1));
   QVERIFY(!r.cal->PictDrawn(2));
   QVERIFY(!r.cal->Command3->isEnabled());
+  // A Vrec-Vest file alone leaves "Start" off too.
+  r.dialogs.OpenNames.push_back(r.Write("vrec.csv", "Vrec,Vest\r\n26,26.5\r\n27,27.5\r\n"));
+  r.cal->Command1[0]->click();
+  QCOMPARE(r.cal->Label12[0]->text(), QString("2"));
+  QVERIFY(r.cal->PictDrawn(1));
+  QVERIFY(!r.cal->PictDrawn(2));
+  QVERIFY(!r.cal->Command3->isEnabled());
   r.dialogs.OpenNames.push_back(r.PairFile());
   r.cal->Command1[1]->click();
   QVERIFY(r.cal->PictDrawn(2));
