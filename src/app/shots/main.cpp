@@ -81,9 +81,11 @@ void ShotCalibration(varnoth::frmMain& w, varnoth::frmMAT* mat) {
   cal->Chart()->Print->trigger();
   cal->PrepareChart(4);
   Shot(cal->Chart(), "calib-chart-probability");
+  // Wide enough for both matrix pictures; a resize empties the matrices,
+  // so it comes first.
+  mat->resize(mat->width() + 240, mat->height());
   cal->Command10->click();
   mat->Command4->click();
-  mat->resize(mat->width() + 240, mat->height());
   Shot(mat, "mat-matrices-probability");
   mat->Option4[1]->click();
   Shot(mat, "mat-matrices-confidence");
