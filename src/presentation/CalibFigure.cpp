@@ -109,6 +109,7 @@ void CalibImages::Rainbow(float value, float p, float q, int pic) {
   const QPoint at = CellPixel(static_cast<long>(p), static_cast<long>(q));
   QImage& image = Image(pic);
   reinterpret_cast<QRgb*>(image.scanLine(at.y()))[at.x()] = rgb;
+  Dirty[static_cast<std::size_t>(pic)] = true;
 }
 
 void CalibImages::Region(int p, int q, int cls) {
@@ -116,6 +117,7 @@ void CalibImages::Region(int p, int q, int cls) {
   const QPoint at = CellPixel(p, q);
   reinterpret_cast<QRgb*>(Image(5).scanLine(at.y()))[at.x()] =
       RegionColour(colours_.GreyMode, cls).rgb();
+  Dirty[5] = true;
 }
 
 void CalibImages::Susono(float value, int p, int q, bool inside) {
