@@ -164,6 +164,13 @@ void Surface::FilledBox(double x1, double y1, double x2, double y2, const QColor
   p.fillRect(r, colour);
 }
 
+void Surface::DrawImage(double x1, double y1, double x2, double y2, const QImage& image) {
+  QPainter& p = Painter();
+  const QRectF r = QRectF(ToPixel(x1, y1), ToPixel(x2, y2)).normalized();
+  p.setRenderHint(QPainter::SmoothPixmapTransform, false);
+  p.drawImage(r, image);
+}
+
 void Surface::Circle(double x, double y, double r, const QColor& colour) {
   const double pr = std::abs(r * image_.width() / width_);
   // Small solid marks are the bulk of a scatter: fill their spans directly.

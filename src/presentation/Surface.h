@@ -57,6 +57,9 @@ class Surface {
   void Line(double x1, double y1, double x2, double y2, const QColor& colour);
   void Box(double x1, double y1, double x2, double y2, const QColor& colour);
   void FilledBox(double x1, double y1, double x2, double y2, const QColor& colour);
+  // An image stretched over the user rectangle, its pixels kept sharp: a
+  // matrix figure painted cell by cell into an image of its own.
+  void DrawImage(double x1, double y1, double x2, double y2, const QImage& image);
   // A hollow circle of radius r in horizontal user units, one pixel wide,
   // set directly on the raster: thousands of small marks a redraw.
   void Ring(double x, double y, double r, const QColor& colour);

@@ -17,6 +17,7 @@
 
 #include "reconstruction/ClimateImport.h"
 #include "ui/PictureBox.h"
+#include "ui/frmCalib.h"
 #include "ui/frmDiagram.h"
 
 namespace varnoth {
@@ -405,7 +406,11 @@ void frmMAT::Activate() {
     bool& flag;
     ~Done() { flag = false; }
   } done{activating_};
-  // 1. Matrix colours are redrawn by the calibration tool once it exists.
+  // 1. Matrix colours changed elsewhere are redrawn.
+  if (coloursChanged_ && calibReady_) {
+    DrawResponseMatrices();
+    coloursChanged_ = false;
+  }
   // 2. Climate delivered by the interpolation tool fills the list.
   if (s_.ClimateLoaded) {
     const QSignalBlocker quiet(Combo1);
@@ -529,6 +534,7 @@ void frmMAT::closeEvent(QCloseEvent* event) {
                      mnuCopy4,
                      mnuSaveOstrel2})
     a->setEnabled(false);
+  if (calibWindow_) calibWindow_->close();
   // The next opening loads the window afresh.
   if (panelsOpen_) SetPanelsOpen(false);
   loaded_ = false;
