@@ -16,6 +16,7 @@
 #include "diagram/EofClimateCorrelation.h"
 #include "reconstruction/ClimateImport.h"
 #include "state/Format.h"
+#include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/frmDiagram.h"
 
@@ -135,6 +136,9 @@ void frmECC::BuildControls() {
   mnuCopy = new QAction("&Copy", this);
   mnuCopy->setObjectName("mnuCopy");
   RB->addAction(mnuCopy);
+  // The scatter as a file for papers.
+  AddSavePictureEntry(RB, "mnuSavePicture", dialogs_, boundary_,
+                      [this]() -> const Surface& { return Picture3->surface(); });
 
   setFixedSize(Frame2->geometry().right() + 9, Frame1->geometry().bottom() + 9);
 }

@@ -1,0 +1,123 @@
+#include "presentation/PictureFile.h"
+
+#include <QFile>
+#include <QImage>
+#include <QPageLayout>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QString>
+#include <QSvgGenerator>
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+
+#include "state/Failure.h"
+
+namespace varnoth {
+
+namespace {
+// The screen the figures are laid out for.
+constexpr double kDotsPerInch = 96.0;
+
+[[noreturn]] void CannotWrite(const std::string& path) {
+  throw RuntimeFailure(FailureKind::FileNotFound, path);
+}
+
+void SavePng(const Surface& surface, const QString& name, const std::string& path, int scale) {
+  QImage image(surface.Width() * scale, surface.Height() * scale, QImage::Format_RGB32);
+  image.setDotsPerMeterX(static_cast<int>(std::lround(kDotsPerInch * scale / 0.0254)));
+  image.setDotsPerMeterY(static_cast<int>(std::lround(kDotsPerInch * scale / 0.0254)));
+  image.fill(surface.BackColour());
+  {
+    QPainter p(&image);
+    // At the screen size the picture is the screen's, mark for mark; larger
+    // ones are smoothed.
+    p.setRenderHint(QPainter::Antialiasing, scale > 1);
+    p.setRenderHint(QPainter::TextAntialiasing, true);
+    p.scale(scale, scale);
+    surface.Replay(p);
+  }
+  if (!image.save(name, "PNG")) CannotWrite(path);
+}
+
+void SaveSvg(const Surface& surface, const QString& name, const std::string& path) {
+  {
+    // The generator does not say whether it could write: try the file first.
+    QFile probe(name);
+    if (!probe.open(QIODevice::WriteOnly)) CannotWrite(path);
+  }
+  QSvgGenerator svg;
+  svg.setFileName(name);
+  svg.setSize(QSize(surface.Width(), surface.Height()));
+  svg.setViewBox(QRect(0, 0, surface.Width(), surface.Height()));
+  svg.setResolution(static_cast<int>(kDotsPerInch));
+  svg.setTitle(QStringLiteral("Varnoth figure"));
+  QPainter p;
+  if (!p.begin(&svg)) CannotWrite(path);
+  p.setRenderHint(QPainter::Antialiasing, true);
+  surface.Replay(p);
+  if (!p.end()) CannotWrite(path);
+}
+
+void SavePdf(const Surface& surface, const QString& name, const std::string& path) {
+  {
+    QFile probe(name);
+    if (!probe.open(QIODevice::WriteOnly)) CannotWrite(path);
+  }
+  QPdfWriter pdf(name);
+  pdf.setCreator(QStringLiteral("Varnoth"));
+  pdf.setTitle(QStringLiteral("Varnoth figure"));
+  // One page the size of the figure on the screen, without margins.
+  const QSizeF points(surface.Width() * 72.0 / kDotsPerInch,
+                      surface.Height() * 72.0 / kDotsPerInch);
+  pdf.setPageLayout(QPageLayout(QPageSize(points, QPageSize::Point), QPageLayout::Portrait,
+                                QMarginsF(0, 0, 0, 0)));
+  pdf.setResolution(static_cast<int>(kDotsPerInch) * 12);
+  QPainter p;
+  if (!p.begin(&pdf)) CannotWrite(path);
+  p.setRenderHint(QPainter::Antialiasing, true);
+  p.scale(12, 12);
+  surface.Replay(p);
+  if (!p.end()) CannotWrite(path);
+}
+}  // namespace
+
+PictureFormat PictureFormatOf(const std::string& path) {
+  const auto dot = path.find_last_of('.');
+  std::string ext = dot == std::string::npos ? std::string() : path.substr(dot + 1);
+  std::transform(ext.begin(), ext.end(), ext.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  if (ext == "svg") return PictureFormat::Svg;
+  if (ext == "pdf") return PictureFormat::Pdf;
+  return PictureFormat::Png;
+}
+
+const char* PictureExtension(PictureFormat format) {
+  switch (format) {
+    case PictureFormat::Svg:
+      return "svg";
+    case PictureFormat::Pdf:
+      return "pdf";
+    case PictureFormat::Png:
+      break;
+  }
+  return "png";
+}
+
+void SavePicture(const Surface& surface, const std::string& path, PictureFormat format, int scale) {
+  const QString name = QString::fromStdString(path);
+  switch (format) {
+    case PictureFormat::Png:
+      SavePng(surface, name, path, std::clamp(scale, 1, 8));
+      return;
+    case PictureFormat::Svg:
+      SaveSvg(surface, name, path);
+      return;
+    case PictureFormat::Pdf:
+      SavePdf(surface, name, path);
+      return;
+  }
+}
+
+}  // namespace varnoth
