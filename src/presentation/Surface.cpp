@@ -376,12 +376,17 @@ void Surface::Replay(QPainter& p) const {
         break;
       }
       case Operation::RotatedText: {
-        const QFont font = NameFont(op.Italic);
+        // The condensing as a scale along the text rather than a font
+        // stretch, which vector files do not all keep.
+        QFont font = NameFont(op.Italic);
+        const double condense = font.stretch() > 0 ? font.stretch() / 100.0 : 1.0;
+        font.setStretch(QFont::Unstretched);
         p.save();
         p.setFont(font);
         p.setPen(op.Pen);
         p.translate(op.A);
         p.rotate(-90);
+        p.scale(condense, 1);
         p.drawText(QPointF(0, QFontMetricsF(font).ascent()), op.Words);
         p.restore();
         break;

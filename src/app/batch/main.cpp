@@ -28,7 +28,8 @@ std::vector<OptionSpec> AllOptions() {
 
 void PrintUsage(std::ostream& out) {
   out << "usage: varnoth-batch --reference FILE [--fossil FILE] [options] --out DIR\n"
-         "       varnoth-batch            (runs the example data set into ./varnoth-out)\n\n";
+         "       varnoth-batch            (runs the example data set into ./varnoth-out)\n"
+         "       varnoth-batch --figures DIR   (the same, with its figures in DIR)\n\n";
   for (const OptionSpec& o : AllOptions()) {
     std::string head = o.Name + (o.ValueName.empty() ? "" : " " + o.ValueName);
     out << "  " << head << std::string(head.size() < 34 ? 34 - head.size() : 1, ' ') << o.Help
@@ -84,7 +85,18 @@ int main(int argc, char** argv) {
   Options options;
   bool example = argc == 1;
   try {
+    if (!example) {
+      options = Parse(argc, argv);
+      if (options.Has("--help")) {
+        PrintUsage(std::cout);
+        return 0;
+      }
+      // Figures alone ask for the example set's figures.
+      example = !options.Has("--reference") && !options.Has("--fossil") && !options.Has("--out") &&
+                options.Has("--figures");
+    }
     if (example) {
+      const Options given = options;
       std::string dir = ExamplesDir();
       options.Set("--reference", dir + "/reference.csv");
       options.Set("--fossil", dir + "/fossil.csv");
@@ -94,12 +106,9 @@ int main(int argc, char** argv) {
       options.Set("--save-all-eof", "yes");
       options.Set("--error-model", "yes");
       options.Set("--out", "varnoth-out");
+      for (const char* kept : {"--figures", "--figure-format", "--timestamp"})
+        if (given.Has(kept)) options.Set(kept, given.Get(kept));
     } else {
-      options = Parse(argc, argv);
-      if (options.Has("--help")) {
-        PrintUsage(std::cout);
-        return 0;
-      }
       if (!options.Has("--out")) throw UsageError{"--out is required"};
     }
     for (const Step& s : Steps())
