@@ -58,6 +58,8 @@ Options Parse(int argc, char** argv) {
     std::string arg = argv[i];
     auto spec = std::find_if(specs.begin(), specs.end(),
                              [&](const OptionSpec& s) { return s.Name == arg; });
+    if (spec == specs.end() && (arg == "--figures" || arg == "--figure-format"))
+      throw UsageError{arg + " needs varnoth-batch built with the desktop program (VARNOTH_GUI)"};
     if (spec == specs.end()) throw UsageError{"unknown argument " + arg};
     if (spec->ValueName.empty()) {
       o.Set(arg, "yes");
