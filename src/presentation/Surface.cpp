@@ -197,6 +197,12 @@ void Surface::FilledBox(double x1, double y1, double x2, double y2, const QColor
   QPainter& p = Painter();
   QRectF r = QRectF(ToPixel(x1, y1), ToPixel(x2, y2)).normalized();
   p.fillRect(r, colour);
+  // A box over the whole picture hides all drawn since the stored
+  // background: a figure that wipes itself so keeps no growing list.
+  if (r.contains(QRectF(0, 0, image_.width(), image_.height())) && colour.alpha() == 255) {
+    const std::size_t keep = background_.isNull() ? 0 : backgroundOps_;
+    ops_.erase(ops_.begin() + static_cast<std::ptrdiff_t>(keep), ops_.end());
+  }
   ops_.push_back({Operation::FilledRect, r.topLeft(), r.bottomRight(), 0, {}, colour});
 }
 

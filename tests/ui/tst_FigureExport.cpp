@@ -319,6 +319,13 @@ void tst_FigureExport::replayKeepsBothLayersAndForgetsClearedMarks() {
   QCOMPARE(moved.pixelColor(20, 20), QColor(Qt::blue));
   QCOMPARE(moved.pixelColor(100, 80), QColor(Qt::white));
   QCOMPARE(moved.pixelColor(140, 80), QColor(Qt::red));
+  // A box over the whole picture hides the marks: they are not kept.
+  const std::size_t background = 2;  // the first wipe and the blue line
+  for (int i = 0; i < 100; ++i) {
+    s.FilledBox(0, 0, 100, 50, Qt::white);
+    s.Line(i, 0, i, 50, Qt::red);
+  }
+  QCOMPARE(s.OperationCount(), background + 2);
   // A new background colour wipes both layers.
   s.SetBackColour(Qt::yellow);
   QCOMPARE(s.OperationCount(), std::size_t(1));
