@@ -1,13 +1,23 @@
 #include "ui/FigureExport.h"
 
+#include <optional>
+
 #include "presentation/PictureFile.h"
 
 namespace varnoth {
 
-bool SavePictureAs(Dialogs& dialogs, const Surface& surface) {
+namespace {
+// Asks for the file; the name with its extension, the format and the scale.
+struct Destination {
+  std::string Path;
+  PictureFormat Format = PictureFormat::Png;
+  int Scale = 1;
+};
+
+std::optional<Destination> AskDestination(Dialogs& dialogs) {
   int chosen = -1;
   std::optional<std::string> name = dialogs.SaveFileNameChoosing(kPictureFilter, chosen);
-  if (!name || name->empty()) return false;
+  if (!name || name->empty()) return std::nullopt;
   std::string path = *name;
   const bool hasExtension = path.find('.', path.find_last_of('/') + 1) != std::string::npos;
   PictureFormat format = PictureFormatOf(path);
@@ -19,7 +29,21 @@ bool SavePictureAs(Dialogs& dialogs, const Surface& surface) {
     path += std::string(".") + PictureExtension(format);
   }
   const int scale = format != PictureFormat::Png ? 1 : chosen == 1 ? 2 : chosen == 2 ? 4 : 1;
-  SavePicture(surface, path, format, scale);
+  return Destination{path, format, scale};
+}
+}  // namespace
+
+bool SavePictureAs(Dialogs& dialogs, const Surface& surface) {
+  const std::optional<Destination> to = AskDestination(dialogs);
+  if (!to) return false;
+  SavePicture(surface, to->Path, to->Format, to->Scale);
+  return true;
+}
+
+bool SavePictureAs(Dialogs& dialogs, const std::vector<PlacedSurface>& parts) {
+  const std::optional<Destination> to = AskDestination(dialogs);
+  if (!to) return false;
+  SavePicture(parts, to->Path, to->Format, to->Scale);
   return true;
 }
 
@@ -35,6 +59,19 @@ QAction* AddSavePictureEntry(QMenu* menu, const QString& objectName, Dialogs& di
   }
   QObject::connect(entry, &QAction::triggered, menu, [&dialogs, &boundary, surface] {
     boundary.Run([&] { SavePictureAs(dialogs, surface()); });
+  });
+  return entry;
+}
+
+QAction* AddSavePictureEntry(QMenu* menu, const QString& objectName, Dialogs& dialogs,
+                             ErrorBoundary& boundary,
+                             std::function<std::vector<PlacedSurface>()> parts,
+                             const QString& caption) {
+  auto* entry = new QAction(caption, menu);
+  entry->setObjectName(objectName);
+  menu->addAction(entry);
+  QObject::connect(entry, &QAction::triggered, menu, [&dialogs, &boundary, parts] {
+    boundary.Run([&] { SavePictureAs(dialogs, parts()); });
   });
   return entry;
 }

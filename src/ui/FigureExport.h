@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "presentation/PictureFile.h"
 #include "presentation/Surface.h"
 #include "state/Dialogs.h"
 #include "ui/ErrorBoundary.h"
@@ -24,6 +25,8 @@ inline constexpr const char* kPictureFilter =
 // Asks for a file and writes the surface to it; false when the user
 // cancels, which writes nothing. A write failure is thrown.
 bool SavePictureAs(Dialogs& dialogs, const Surface& surface);
+// The same for a figure of several surfaces.
+bool SavePictureAs(Dialogs& dialogs, const std::vector<PlacedSurface>& parts);
 
 using SurfaceOf = std::function<const Surface&()>;
 
@@ -33,6 +36,12 @@ using SurfaceOf = std::function<const Surface&()>;
 QAction* AddSavePictureEntry(QMenu* menu, const QString& objectName, Dialogs& dialogs,
                              ErrorBoundary& boundary, SurfaceOf surface, QAction* sameAs = nullptr,
                              const QString& caption = QStringLiteral("Save Picture As..."));
+
+// An entry for a figure of several surfaces, placed as on the screen.
+QAction* AddSavePictureEntry(QMenu* menu, const QString& objectName, Dialogs& dialogs,
+                             ErrorBoundary& boundary,
+                             std::function<std::vector<PlacedSurface>()> parts,
+                             const QString& caption);
 
 // The Edit menu's way to the same: one entry for a window of one figure, a
 // submenu naming each figure for a window of several.

@@ -3,7 +3,8 @@
 // window and the reconstruction window, checked on the files written (the
 // SVG as XML with the figure's text, the PDF's header and page count, the
 // PNG at twice the size with the marks where they belong), and the example
-// data set opened from the File menu.
+// data set opened from the File menu. With VARNOTH_SHOTS set to a folder,
+// the files written are kept there.
 #include <QAction>
 #include <QFile>
 #include <QFileInfo>
@@ -73,6 +74,13 @@ struct Fixture : MainFixture {
     dialogs.SaveNames.push_back(path.toStdString());
     dialogs.SaveChoices.push_back(choice);
     entry->trigger();
+    // With VARNOTH_SHOTS set to a folder the files are kept there to be looked at.
+    const QString shots = qEnvironmentVariable("VARNOTH_SHOTS");
+    if (!shots.isEmpty() && QFileInfo::exists(path)) {
+      QDir().mkpath(shots);
+      QFile::remove(shots + "/" + name);
+      QFile::copy(path, shots + "/" + name);
+    }
     return path;
   }
   QAction* Action(QObject* owner, const char* name) {
@@ -373,6 +381,15 @@ void tst_FigureExport::eccScatterAsSvgAndPng() {
   QCoreApplication::processEvents();
   frmECC* e = f.window->EccWindow();
   QVERIFY(e);
+  // The table with its row and column heads in one picture.
+  const QString table = SvgText(f.Save(f.Action(e, "mnuSaveTablePicture"), "table.svg", Svg));
+  QVERIFY2(table.contains("EOF-1"), qPrintable(table.left(300)));
+  QVERIFY(table.contains(QString::fromStdString(f.session.ClimateParamNames(1))));
+  QVERIFY(table.contains(QRegularExpression("^-?0?\\.\\d\\d$|^-?\\d\\.\\d+$",
+                                            QRegularExpression::MultilineOption)));
+  const QImage tablePng(f.Save(f.Action(e, "mnuSaveTablePicture"), "table.png", Png1));
+  QCOMPARE(tablePng.width(), e->Picture2->x() + e->Picture2->width() - e->Picture1->x());
+  QCOMPARE(tablePng.height(), e->Picture2->y() + e->Picture2->height() - e->Picture0[0]->y());
   const QString svg = f.Save(f.Action(e, "mnuSavePicture"), "ecc.svg", Svg);
   QVERIFY(SvgText(svg) != "<invalid>");
   QVERIFY(ReadAll(svg).contains("<circle") || ReadAll(svg).contains("<path") ||
