@@ -143,6 +143,11 @@ int main(int argc, char** argv) {
   }
   if (example)
     std::cout << "Ran the example data set; the result files are in "
-              << std::filesystem::absolute(options.Get("--out")).string() << "\n";
+              << std::filesystem::absolute(options.Get("--out")).string()
+              << (options.Has("--figures")
+                      ? ", the figures in " +
+                            std::filesystem::absolute(options.Get("--figures")).string()
+                      : std::string())
+              << "\n";
   return 0;
 }

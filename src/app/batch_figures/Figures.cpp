@@ -30,6 +30,11 @@ constexpr long kTaxonWidthSlider = 10;                // the diagram's Slider3
 // Drawing needs a GUI application; offscreen, so that no display is needed.
 void StartOffscreen() {
   if (QGuiApplication::instance()) return;
+  // The toolkit's notes (a missing runtime folder and the like) are not the
+  // run's messages; its failures still show.
+  qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
+    if (type == QtCriticalMsg || type == QtFatalMsg) std::cerr << text.toStdString() << "\n";
+  });
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   static int argc = 1;
   static char name[] = "varnoth-batch";
