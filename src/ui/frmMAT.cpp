@@ -14,8 +14,10 @@
 #include <QRadioButton>
 #include <QSlider>
 #include <algorithm>
+#include <tuple>
 
 #include "reconstruction/ClimateImport.h"
+#include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/frmCalib.h"
 #include "ui/frmDiagram.h"
@@ -276,6 +278,20 @@ void frmMAT::BuildMenus() {
   mnuCopy4 = Entry(this, "mnuCopy4", "&Copy");
   mnuSaveOstrel2 = Entry(this, "mnuSaveOstrel2", "&Save Matrix");
   mnuRB4->addActions({mnuCopy4, mnuSaveOstrel2});
+
+  // The figures as files for papers, from their menus and from Edit.
+  std::vector<PictureChoice> pictures;
+  const std::tuple<QMenu*, QAction*, PictureBox**, const char*, const char*> figures[] = {
+      {mnuRB1, mnuCopy1, &Picture1, "1", "Reconstruction Curve"},
+      {mnuRB2, mnuCopy2, &Picture2, "2", "Estimated-Observed Scatter"},
+      {mnuRB3, mnuCopy3, &Picture3, "3", "Tamsek Matrix"},
+      {mnuRB4, mnuCopy4, &Picture4, "4", "Ostrel Matrix"}};
+  for (const auto& [menu, copy, box, n, caption] : figures) {
+    SurfaceOf of = [box]() -> const Surface& { return (*box)->surface(); };
+    AddSavePictureEntry(menu, QString("mnuSavePicture") + n, dialogs_, boundary_, of, copy);
+    pictures.push_back({QString("mnuEditPicture") + n, caption, of, copy});
+  }
+  AddSavePictureMenu(mnuEdit, dialogs_, boundary_, pictures);
 }
 
 void frmMAT::Open() {

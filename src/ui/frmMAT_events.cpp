@@ -269,7 +269,8 @@ void frmMAT::Inport_climate_data() {
   boundary_.Run([this] {
     std::optional<std::string> path;
     if (!s_.ClimateLoaded) {
-      path = dialogs_.OpenFileName(kDataFileFilter);
+      path = s_.ExampleFolder.empty() ? dialogs_.OpenFileName(kDataFileFilter)
+                                      : dialogs_.OpenFileNameIn(kDataFileFilter, s_.ExampleFolder);
       if (!path) return;  // a cancel leaves everything as it was
     }
     const ClimateImportResult r = varnoth::Inport_climate_data(s_, path, dialogs_);
