@@ -211,6 +211,8 @@ void Surface::DrawImage(double x1, double y1, double x2, double y2, const QImage
   const QRectF r = QRectF(ToPixel(x1, y1), ToPixel(x2, y2)).normalized();
   p.setRenderHint(QPainter::SmoothPixmapTransform, false);
   p.drawImage(r, image);
+  ops_.push_back({Operation::Image, r.topLeft(), r.bottomRight(), 0, QColor(), QColor()});
+  ops_.back().Picture = image;
 }
 
 void Surface::Circle(double x, double y, double r, const QColor& colour) {
@@ -404,6 +406,13 @@ void Surface::Replay(QPainter& p) const {
         p.restore();
         break;
       }
+      case Operation::Image:
+        // Cells stay sharp squares at any size.
+        p.save();
+        p.setRenderHint(QPainter::SmoothPixmapTransform, false);
+        p.drawImage(QRectF(op.A, op.B), op.Picture);
+        p.restore();
+        break;
     }
   }
   p.restore();

@@ -107,7 +107,7 @@ class Surface {
   // One drawing operation as the raster got it, kept so that the same
   // figure can be painted onto any device.
   struct Operation {
-    enum Kind { Fill, Line, Outline, FilledRect, Ellipse, Text, RotatedText };
+    enum Kind { Fill, Line, Outline, FilledRect, Ellipse, Text, RotatedText, Image };
     Operation(Kind what, QPointF a, QPointF b, double radius, QColor pen, QColor brush,
               int width = 1)
         : What(what), A(a), B(b), Radius(radius), Pen(pen), Brush(brush), Width(width) {}
@@ -119,6 +119,7 @@ class Surface {
     QString Words;
     double Points = 0;
     bool Bold = false, Italic = false;
+    QImage Picture;  // an image stretched over A..B, pixel for pixel
   };
   std::vector<Operation> ops_;
   std::size_t backgroundOps_ = 0;  // how many of ops_ the stored background holds

@@ -12,6 +12,7 @@
 
 #include "calibration/PairSets.h"
 #include "state/Format.h"
+#include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/WindowPlacement.h"
 #include "ui/frmCalib.h"
@@ -95,6 +96,7 @@ void frmCalib::ConnectEvents() {
   for (int i = 0; i < 6; ++i)
     connect(Picture2[static_cast<std::size_t>(i)], &PictureBox::LeftPressed, this,
             [this, i] { boundary_.Run([this, i] { PictureClicked(i); }); });
+  std::vector<PictureChoice> pictures;
   for (int f = 1; f <= 8; ++f) {
     PictureBox* p = f <= 2 ? Picture1[static_cast<std::size_t>(f - 1)]
                            : Picture2[static_cast<std::size_t>(f - 3)];
@@ -102,7 +104,13 @@ void frmCalib::ConnectEvents() {
     connect(p, &PictureBox::RightPressed, this, [menu](const QPoint& at) { menu->popup(at); });
     for (QAction* a : {CopyFig[static_cast<std::size_t>(f)], CopyN[static_cast<std::size_t>(f)]})
       connect(a, &QAction::triggered, this, [p] { p->surface().CopyToClipboard(); });
+    SurfaceOf of = [p]() -> const Surface& { return p->surface(); };
+    AddSavePictureEntry(menu, QString("mnuSavePicture%1").arg(f), dialogs_, boundary_, of,
+                        CopyN[static_cast<std::size_t>(f)]);
+    pictures.push_back({QString("mnuSavePictureFig%1").arg(f), QString("Fig.&%1").arg(f), of,
+                        CopyFig[static_cast<std::size_t>(f)]});
   }
+  AddSavePictureMenu(Edit, dialogs_, boundary_, pictures);
   for (QAction* a : {ProbabilityDistribution, SaveMartixProb})
     connect(a, &QAction::triggered, this, &frmCalib::SaveProbability);
   for (QAction* a : {ConfidenceRegions, mnuCommonOutput, SaveMatrixConfi})

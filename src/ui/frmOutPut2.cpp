@@ -15,6 +15,7 @@
 #include "presentation/CalibFigure.h"
 #include "presentation/CalibPrint.h"
 #include "state/Format.h"
+#include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/PrinterTarget.h"
 #include "ui/WindowPlacement.h"
@@ -123,6 +124,12 @@ frmOutPut2::frmOutPut2(frmCalib& calib)
   connect(Copy2, &QAction::triggered, this, [this] { Picture2->surface().CopyToClipboard(); });
   connect(Picture1, &PictureBox::RightPressed, this, [this](const QPoint& at) { Fig1->popup(at); });
   connect(Picture2, &PictureBox::RightPressed, this, [this](const QPoint& at) { Fig2->popup(at); });
+  AddSavePictureEntry(
+      Fig1, "mnuSavePicture1", calib_.DialogsUsed(), boundary_,
+      [this]() -> const Surface& { return Picture1->surface(); }, Copy1);
+  AddSavePictureEntry(
+      Fig2, "mnuSavePicture2", calib_.DialogsUsed(), boundary_,
+      [this]() -> const Surface& { return Picture2->surface(); }, Copy2);
   connect(Slider1, &QSlider::valueChanged, this, [this] {
     SectionLabels();
     if (!Slider1->isSliderDown()) SectionReleased();

@@ -174,6 +174,7 @@ class TestFrmCalib : public QObject {
   void hoverReadsValuesOnDrawnFigures();
   void zEnhancementOfReconstructionRecoloursBoth();
   void reopeningTakesTheReconstructionRange();
+  void figuresSaveAsPicturesWithTheirMatrices();
 };
 
 void TestFrmCalib::loadDefaultsAndRangeFromReconstruction() {
@@ -837,6 +838,52 @@ void TestFrmCalib::reopeningTakesTheReconstructionRange() {
   QVERIFY(!r.cal->PictDrawn(8));
   QVERIFY(r.cal->PictDrawn(3));  // the generated model follows the range
   QVERIFY(r.cal->Command3->isEnabled());
+}
+
+// "Save Picture As..." of a matrix figure draws its cells again at the
+// chosen size: the region colours fill the twice-sized PNG as they fill the
+// figure, cell by cell, and the chart's main figure saves as well.
+void TestFrmCalib::figuresSaveAsPicturesWithTheirMatrices() {
+  Road r;
+  r.Open();
+  r.Generated();
+  frmCalib* c = r.cal;
+  auto* entry = c->findChild<QAction*>("mnuSavePicture8");
+  QVERIFY(entry);
+  QVERIFY(entry->isEnabled());
+  const QString path = r.folder.path() + "/fig8.png";
+  r.dialogs.SaveNames.push_back(path.toStdString());
+  r.dialogs.SaveChoices.push_back(1);  // PNG at twice the size
+  entry->trigger();
+  const QImage big(path);
+  const QImage& fig8 = r.Figure(8);
+  QCOMPARE(big.size(), fig8.size() * 2);
+  for (bool inner : {false, true}) {
+    const QColor region = RegionColour(false, inner ? 1 : 2);
+    const int onScreen = CountColour(fig8, region);
+    QVERIFY(onScreen > 0);
+    const int saved = CountColour(big, region);
+    QVERIFY2(std::abs(saved - 4 * onScreen) <= onScreen / 10,
+             qPrintable(QString("%1 %2").arg(saved).arg(onScreen)));
+  }
+  // The Edit menu names each figure.
+  auto* fig3 = c->findChild<QAction*>("mnuSavePictureFig3");
+  QVERIFY(fig3 && fig3->isEnabled());
+  // The chart opened from Fig.8, its main figure as an SVG.
+  c->DetailConfi->trigger();
+  QCoreApplication::processEvents();
+  auto* chart = c->findChild<frmOutPut2*>();
+  QVERIFY(chart);
+  auto* chartEntry = chart->findChild<QAction*>("mnuSavePicture1");
+  QVERIFY(chartEntry);
+  const QString svg = r.folder.path() + "/chart.svg";
+  r.dialogs.SaveNames.push_back(svg.toStdString());
+  r.dialogs.SaveChoices.push_back(3);
+  chartEntry->trigger();
+  const QByteArray text = ReadAll(svg);
+  QVERIFY(text.startsWith("<?xml"));
+  QVERIFY(text.contains("<image"));
+  QVERIFY(r.dialogs.Messages.empty());
 }
 
 QTEST_MAIN(TestFrmCalib)
