@@ -37,3 +37,10 @@ if(VARNOTH_BENCH AND TARGET varnoth_presentation)
     target_include_directories(varnoth_gui_bench PRIVATE ${PROJECT_SOURCE_DIR}/bench)
   endif()
 endif()
+
+# The world coastline of the interpolation map, found in the source tree
+# when the program is not installed.
+if(TARGET varnoth_ui)
+  target_compile_definitions(varnoth_ui PRIVATE
+    VARNOTH_COASTLINE="${PROJECT_SOURCE_DIR}/data/coastline.csv")
+endif()

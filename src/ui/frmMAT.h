@@ -4,6 +4,7 @@
 // beside it, and after the error model the estimated-observed scatter.
 // Every change of a setting runs the search again through Reset.
 #include <QMainWindow>
+#include <QPointer>
 #include <array>
 
 #include "presentation/Colours.h"
@@ -31,6 +32,7 @@ namespace varnoth {
 
 class PictureBox;
 class SampleUpDown;
+class frmLuvane;
 
 class frmMAT : public QMainWindow {
   Q_OBJECT
@@ -68,6 +70,10 @@ class frmMAT : public QMainWindow {
   void MoveMarker();
   // The diagram's selection line was switched: Check3 follows.
   void FollowSelectionLine(bool on);
+
+  // The interpolation tool of Command8, loaded at first use.
+  frmLuvane* LuvaneWindow();
+  frmLuvane* Luvane() const;
 
   // The settings as the controls say.
   AnalogueSettings Settings() const;
@@ -126,6 +132,8 @@ class frmMAT : public QMainWindow {
   void ColourSettingsRequested();
   // Pictures and the other windows are to be refreshed.
   void RefreshRequested();
+  // The interpolation tool was made: the main window closes it at quitting.
+  void LuvaneCreated(QWidget* window);
   // The window was unloaded: the main window's button opens it again.
   void Unloaded();
 
@@ -169,6 +177,7 @@ class frmMAT : public QMainWindow {
   void FillLabels();
   void FocusNext();
   void EnableSettings();
+  void ConnectLuvane();
 
   // Saves, in frmMAT_files.cpp.
   template <typename Writer>
@@ -194,6 +203,7 @@ class frmMAT : public QMainWindow {
   double threshold_ = 0.2;  // AnalogueThreshold, set by DefineThreshold
   int frame5Width_ = 0;
   int pictureWidth_ = 0;  // Picture1 to Picture4, from Slider7
+  QPointer<frmLuvane> luvane_;
 };
 
 }  // namespace varnoth

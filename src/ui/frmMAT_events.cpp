@@ -21,6 +21,7 @@
 #include "state/Format.h"
 #include "ui/PictureBox.h"
 #include "ui/frmDiagram.h"
+#include "ui/frmLuvane.h"
 #include "ui/frmMAT.h"
 
 namespace varnoth {
@@ -526,8 +527,8 @@ void frmMAT::ShowSamplePosition() {
 }
 
 void frmMAT::HighlightAnalogues() {
-  // The analogues are marked on the map of the interpolation tool; with no
-  // map open there is nothing to mark.
+  // The analogues are marked on the map of the interpolation tool.
+  if (luvane_) luvane_->HighlightAnalogues();
 }
 
 void frmMAT::DrawMarker() {
