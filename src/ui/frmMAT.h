@@ -178,6 +178,7 @@ class frmMAT : public QMainWindow {
   void FocusNext();
   void EnableSettings();
   void ConnectLuvane();
+  void FollowParameterInLuvane();
 
   // Saves, in frmMAT_files.cpp.
   template <typename Writer>

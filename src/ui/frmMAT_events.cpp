@@ -404,6 +404,7 @@ void frmMAT::ChangePara() {
         QString::fromStdString(FormatGeneral(RoundScaleUp(s_.ReconMax(p), s_.ReconMin(p)))));
     DrawReconstructionCurve();
   }
+  FollowParameterInLuvane();
   if (UpDown1->isEnabled()) UpDown1->setFocus();
   Picture4->setVisible(false);
   if (s_.ErrorModelReady) EmptyMatrices();

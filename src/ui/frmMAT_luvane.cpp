@@ -1,5 +1,6 @@
 // The reconstruction window's road to the interpolation tool: Command8
 // "Launch Luvane 1.1" opens it, loaded at first use.
+#include <QComboBox>
 #include <QPushButton>
 
 #include "ui/frmLuvane.h"
@@ -19,6 +20,20 @@ frmLuvane* frmMAT::Luvane() const { return luvane_; }
 
 void frmMAT::ConnectLuvane() {
   connect(Command8, &QPushButton::clicked, this, [this] { LuvaneWindow()->Open(); });
+}
+
+void frmMAT::FollowParameterInLuvane() {
+  // With interpolated climate the accuracy pairs are read from the first
+  // packed column from here on, whichever parameter is chosen; the
+  // calibration tool later takes its pair set by the parameter's name.
+  if (s_.SiteInfoLoaded) s_.Interp.InterpCurrentParam = 1;
+  // The accuracy scatter's list shows the same parameter.
+  if (luvane_ && luvane_->Correl() && s_.Interp.InterpCorrelOpen) {
+    QComboBox* list = luvane_->Correl()->Combo1;
+    const QSignalBlocker quiet(list);
+    const int at = list->findText(Combo1->currentText(), Qt::MatchExactly);
+    if (at >= 0) list->setCurrentIndex(at);
+  }
 }
 
 }  // namespace varnoth

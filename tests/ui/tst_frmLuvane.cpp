@@ -25,6 +25,7 @@
 #include "interpolation/Interpolation.h"
 #include "presentation/MapFigure.h"
 #include "ui/PictureBox.h"
+#include "ui/WindowPlacement.h"
 #include "ui/frmLuvane.h"
 #include "ui/frmLuvaneCorrel.h"
 #include "ui/frmLuvaneHelp.h"
@@ -132,6 +133,14 @@ class TestFrmLuvane : public QObject {
   void helpShowsTheFileFormats();
   void closeHidesAndUnloadClosesTheOthers();
   void quitClosesTheInterpolationWindows();
+  void progressRunsOverTargetsAndStations();
+  void minimumDistanceIgnoresTheExponent();
+  void reopensForInspectionAfterReturn();
+  void mapWiderThanTheScreenShrinksWithItsShape();
+  void boundsBoxesAreReadAtTheNextRedraw();
+  void flatColumnKeepsTheCoefficient();
+  void parameterChosenInReconstructionFollowsInTheScatter();
+  void cancelledTargetDialogEndsQuietly();
 };
 
 void TestFrmLuvane::opensWithItsCaptionDefaultsAndButtonOrder() {
@@ -618,6 +627,145 @@ void TestFrmLuvane::quitClosesTheInterpolationWindows() {
   QVERIFY(!t.lv->isVisible());
   QVERIFY(!t.session.Interp.InterpWindowOpen);
   QVERIFY(!t.lv->Correl()->isVisible());
+}
+
+void TestFrmLuvane::progressRunsOverTargetsAndStations() {
+  Tool t;
+  t.BothFiles();
+  int maximum = -1;
+  QProgressBar* bar = t.lv->ProgressBar1;
+  QObject::connect(bar, &QProgressBar::valueChanged,
+                   [&](int) { maximum = std::max(maximum, bar->maximum()); });
+  t.lv->Command3->click();
+  QCOMPARE(maximum, t.session.Interp.InterpRefCount + t.session.Interp.InterpTargetCount);
+  QVERIFY(!t.lv->ProgressBar1->isVisible());
+  QCOMPARE(t.lv->ProgressBar1->value(), 0);
+}
+
+void TestFrmLuvane::minimumDistanceIgnoresTheExponent() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Option1[0]->click();
+  t.lv->Combo1->setEditText("-1");
+  t.lv->Command3->click();
+  const Array2<double> first = t.session.Interp.InterpTargetEstimate;
+  const Array2<double> stations = t.session.Interp.InterpRefEstimate;
+  t.lv->Combo1->setEditText("7");
+  t.lv->Command3->click();
+  const InterpolationState& in = t.session.Interp;
+  for (long i = 1; i <= in.InterpTargetCount; ++i)
+    for (long k = 6; k <= in.InterpColumnCount; ++k)
+      QCOMPARE(in.InterpTargetEstimate(i, k), first(i, k));
+  for (long i = 1; i <= in.InterpRefCount; ++i)
+    QCOMPARE(in.InterpRefEstimate(i, 6), stations(i, 6));
+  // In the other mode the exponent changes the estimates.
+  t.lv->Option1[1]->click();
+  t.lv->Command3->click();
+  bool differs = false;
+  for (long i = 1; i <= in.InterpTargetCount; ++i)
+    if (in.InterpTargetEstimate(i, 6) != first(i, 6)) differs = true;
+  QVERIFY(differs);
+}
+
+void TestFrmLuvane::reopensForInspectionAfterReturn() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  t.lv->Command1->click();
+  QCoreApplication::processEvents();
+  t.lv->close();
+  QVERIFY(t.mat->Command8->isEnabled());
+  t.mat->Command8->click();
+  QVERIFY(t.lv->isVisible());
+  const InterpolationState& in = t.session.Interp;
+  QCOMPARE(t.lv->Text2[0]->text(), QString::number(in.MinLon));
+  QCOMPARE(t.lv->Text1[1]->text(), QString::number(in.MaxLat));
+  for (QWidget* w : std::initializer_list<QWidget*>{
+           t.lv->Command0, t.lv->Command1, t.lv->Command2, t.lv->Command4, t.lv->Option1[0],
+           t.lv->Option1[1], t.lv->Combo1, t.lv->Combo2, t.lv->Text3})
+    QVERIFY(!w->isEnabled());
+  QVERIFY(t.lv->Command3->isEnabled());
+  // The map is drawn again with the stations and targets.
+  QVERIFY(Near(t.Map(), in.InterpRefLon(3), in.InterpRefLat(3), kGreen, 0));
+  int yellow = 0;
+  for (long i = 1; i <= in.InterpTargetCount; ++i)
+    if (Near(t.Map(), in.SiteLongitude(i), in.SiteLatitude(i), kYellow, 0)) ++yellow;
+  QVERIFY(yellow > in.InterpTargetCount / 2);
+  QVERIFY(in.InterpWindowOpen);
+}
+
+void TestFrmLuvane::mapWiderThanTheScreenShrinksWithItsShape() {
+  Tool t;
+  // Stations round the globe within 20 degrees of latitude.
+  std::string table = "St,Lon,Lat,Alt,TL,PL,TJan\r\n";
+  table += "A,-180,-10,0,-0.5,30,5\r\nB,180,10,0,-0.5,30,6\r\nC,0,0,0,-0.5,30,7\r\n";
+  t.ImportStations(t.Write("round.csv", QByteArray::fromStdString(table)));
+  const QRect screen = AvailableArea(t.lv);
+  // 360 by 20 degrees at the designed height of 360 pixels would be 6480
+  // pixels wide: the map takes the screen's width less the controls.
+  QVERIFY(t.lv->Picture1->height() < 360);
+  QCOMPARE(t.lv->Picture1->width(), screen.width() - (4450 + 7) / 15);
+  QVERIFY(t.lv->width() <= screen.width());
+  const double perLon = t.lv->Picture1->width() / 360.0;
+  const double perLat = t.lv->Picture1->height() / 20.0;
+  QVERIFY(std::abs(perLon - perLat) < 0.06);
+}
+
+void TestFrmLuvane::boundsBoxesAreReadAtTheNextRedraw() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Text2[0]->setText("0");
+  t.lv->Text1[0]->setText("45");
+  const InterpolationState& in = t.session.Interp;
+  t.Click(in.InterpRefLon(1), in.InterpRefLat(1));
+  QCOMPARE(t.Map().ScaleLeft(), 0.0);
+  QCOMPARE(t.Map().ScaleTop() + t.Map().ScaleHeight(), 45.0);
+}
+
+void TestFrmLuvane::flatColumnKeepsTheCoefficient() {
+  Tool t;
+  // TJan varies, Flat is 5 at every station at sea level.
+  std::string table = "St,Lon,Lat,Alt,TL,PL,TJan,Flat\r\n";
+  demo::Lcg g(3);
+  for (int j = 1; j <= 120; ++j) {
+    const double lon = 10 * g.Next(), lat = 40 + 10 * g.Next();
+    table += "S" + std::to_string(j) + "," + demo::Cell(lon) + "," + demo::Cell(lat) +
+             ",0,-0.5,30," + demo::Cell(demo::TJan(lon, lat, 0)) + ",5\r\n";
+  }
+  t.ImportStations(t.Write("flat.csv", QByteArray::fromStdString(table)));
+  t.ImportTargets(t.targets);
+  t.lv->Command3->click();
+  frmLuvaneCorrel* c = t.lv->Correl();
+  const QString shown = c->Label3->text();
+  QVERIFY(!shown.isEmpty());
+  emit c->Combo1->textActivated("Flat");
+  QCOMPARE(t.session.Interp.InterpCurrentParam, Count{7});
+  QCOMPARE(c->Text1[0]->text().toDouble(), 5.0);
+  QVERIFY(c->Text1[1]->text().toDouble() - 5 <= 5);
+  QCOMPARE(c->Label3->text(), shown);
+}
+
+void TestFrmLuvane::parameterChosenInReconstructionFollowsInTheScatter() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  t.lv->Command1->click();
+  QCoreApplication::processEvents();
+  t.lv->Command3->click();  // the scatter open again beside the reconstruction
+  QVERIFY(t.session.Interp.InterpCorrelOpen);
+  t.mat->Combo1->setCurrentIndex(1);
+  emit t.mat->Combo1->activated(1);
+  QCOMPARE(t.lv->Correl()->Combo1->currentText(), QString("TJul"));
+  QCOMPARE(t.session.Interp.InterpCurrentParam, Count{1});
+}
+
+void TestFrmLuvane::cancelledTargetDialogEndsQuietly() {
+  Tool t;
+  t.ImportStations(t.stations);
+  t.lv->Command2->click();  // no file name: the dialog was cancelled
+  QVERIFY(t.lv->Command2->isEnabled());
+  QVERIFY(!t.lv->Command3->isEnabled());
+  QVERIFY(t.dialogs.Messages.empty());
 }
 
 QTEST_MAIN(TestFrmLuvane)
