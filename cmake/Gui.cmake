@@ -40,7 +40,9 @@ endif()
 
 # The world coastline of the interpolation map, found in the source tree
 # when the program is not installed.
-if(TARGET varnoth_ui)
-  target_compile_definitions(varnoth_ui PRIVATE
-    VARNOTH_COASTLINE="${PROJECT_SOURCE_DIR}/data/coastline.csv")
-endif()
+foreach(target varnoth_ui varnoth_gui_bench)
+  if(TARGET ${target})
+    target_compile_definitions(${target} PRIVATE
+      VARNOTH_COASTLINE="${PROJECT_SOURCE_DIR}/data/coastline.csv")
+  endif()
+endforeach()
