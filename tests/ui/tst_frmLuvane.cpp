@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
@@ -141,6 +142,8 @@ class TestFrmLuvane : public QObject {
   void flatColumnKeepsTheCoefficient();
   void parameterChosenInReconstructionFollowsInTheScatter();
   void cancelledTargetDialogEndsQuietly();
+  void copyPutsTheMapAndTheScatterOnTheClipboard();
+  void lonelyStationBeyondAnyRadiusEndsAtTheBoundary();
 };
 
 void TestFrmLuvane::opensWithItsCaptionDefaultsAndButtonOrder() {
@@ -524,6 +527,15 @@ void TestFrmLuvane::returnHandsBackAndMatchesTheBatchRunner() {
   Tool t;
   t.BothFiles();
   t.lv->Command3->click();
+  // The accuracy matrix of every parameter, saved from the scatter.
+  frmLuvaneCorrel* c = t.lv->Correl();
+  for (const QString name : {"TJan", "TJul", "PAnn"}) {
+    emit c->Combo1->textActivated(name);
+    const QString path = t.folder.path() + "/mine-" + name + ".csv";
+    t.dialogs.SaveNames.push_back(path.toStdString());
+    c->mnuSave->trigger();
+  }
+  emit c->Combo1->textActivated("TJan");
   t.lv->Command1->click();
   QCoreApplication::processEvents();
   QVERIFY(t.session.SiteInfoLoaded);
@@ -547,6 +559,11 @@ void TestFrmLuvane::returnHandsBackAndMatchesTheBatchRunner() {
   const QByteArray expected = ReadAll(out + "/climate.csv");
   QVERIFY(!expected.isEmpty());
   QCOMPARE(ReadAll(QString::fromStdString(mine)), expected);
+  for (const QString name : {"TJan", "TJul", "PAnn"}) {
+    const QByteArray batch = ReadAll(out + "/accuracy-" + name + ".csv");
+    QVERIFY(!batch.isEmpty());
+    QCOMPARE(ReadAll(t.folder.path() + "/mine-" + name + ".csv"), batch);
+  }
 }
 
 void TestFrmLuvane::analoguesAreRingedAndFollowTheSample() {
@@ -766,6 +783,40 @@ void TestFrmLuvane::cancelledTargetDialogEndsQuietly() {
   QVERIFY(t.lv->Command2->isEnabled());
   QVERIFY(!t.lv->Command3->isEnabled());
   QVERIFY(t.dialogs.Messages.empty());
+}
+
+void TestFrmLuvane::copyPutsTheMapAndTheScatterOnTheClipboard() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  QApplication::clipboard()->clear();
+  t.lv->mnuCopyMap->trigger();
+  QCOMPARE(QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
+           t.Map().Image().convertToFormat(QImage::Format_RGB32));
+  frmLuvaneCorrel* c = t.lv->Correl();
+  c->mnuCopyScatter->trigger();
+  QCOMPARE(QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
+           c->Picture3->surface().Image().convertToFormat(QImage::Format_RGB32));
+}
+
+void TestFrmLuvane::lonelyStationBeyondAnyRadiusEndsAtTheBoundary() {
+  Tool t;
+  // Two stations at one place have no other station at non-zero distance:
+  // in minimum distance mode with a huge radius the nearest stays missing
+  // and is read.
+  t.ImportStations(t.Write(
+      "twin.csv", "St,Lon,Lat,Alt,TL,PL,TJan\r\nA,10,45,0,-0.5,30,5\r\nB,10,45,0,-0.5,30,6\r\n"));
+  QVERIFY(t.session.Interp.InterpRefLoaded);
+  t.ImportTargets(t.targets);
+  t.lv->Option1[0]->click();
+  t.lv->Text3->setText("99999");
+  t.lv->Command3->click();
+  QCOMPARE(t.dialogs.Messages.size(), std::size_t(1));
+  QCOMPARE(t.dialogs.Messages[0].Title, std::string("Error"));
+  QVERIFY(!t.lv->ProgressBar1->isVisible());
+  QVERIFY(QApplication::overrideCursor() == nullptr);
+  QVERIFY(!t.lv->Command1->isEnabled());
+  QVERIFY(t.lv->isVisible());
 }
 
 QTEST_MAIN(TestFrmLuvane)
