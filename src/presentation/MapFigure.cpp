@@ -121,10 +121,9 @@ void DrawReach(Surface& s, double lon, double lat, double mark, double reach) {
 
 std::string SiteNameAt(const InterpolationState& in, double x, double y, double tol) {
   std::string name;
-  if (in.InterpRefLoaded)
-    for (long j = 1; j <= in.InterpRefCount; ++j)
-      if (Within(in.InterpRefLon(j), x, tol) && Within(in.InterpRefLat(j), y, tol))
-        name = in.InterpRefNames(j);
+  for (long j = 1; j <= in.InterpRefCount && j < static_cast<long>(in.InterpRefLon.Size()); ++j)
+    if (Within(in.InterpRefLon(j), x, tol) && Within(in.InterpRefLat(j), y, tol))
+      name = in.InterpRefNames(j);
   if (in.InterpTargetLoaded)
     for (long i = 1; i <= in.InterpTargetCount; ++i)
       if (Within(in.SiteLongitude(i), x, tol) && Within(in.SiteLatitude(i), y, tol))

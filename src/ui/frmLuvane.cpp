@@ -98,6 +98,23 @@ void frmLuvane::BuildControls() {
     Text1[i] = Named(new QLineEdit(c), QString("Text1_%1").arg(i));
     Text2[i] = Named(new QLineEdit(c), QString("Text2_%1").arg(i));
   }
+  // What each control does, in a researcher's words; the map's own tool
+  // tip names the site under the pointer.
+  Command0->setToolTip(
+      "Read the climate stations: name, longitude, latitude, altitude, the two lapse rates per "
+      "100 m, then one column per climate parameter");
+  Command2->setToolTip(
+      "Read the positions of the surface pollen sites, one row per reference site, in its order");
+  Command3->setToolTip("Interpolate onto the sites and check each station against the others");
+  Command1->setToolTip("Hand the interpolated climate to the reconstruction");
+  Option1[1]->setToolTip("Weigh every station within the radius by its distance");
+  Option1[0]->setToolTip("Take the nearest station within the radius");
+  Combo1->setToolTip("The weight of a station is its distance to this power");
+  Text3->setToolTip("Stations farther than this, in degrees, take no part");
+  Text1[0]->setToolTip("Lower latitude of the map, read at the next redraw");
+  Text1[1]->setToolTip("Upper latitude of the map, read at the next redraw");
+  Text2[0]->setToolTip("Western longitude of the map, read at the next redraw");
+  Text2[1]->setToolTip("Eastern longitude of the map, read at the next redraw");
   ProgressBar1 = Named(new QProgressBar(c), "ProgressBar1");
   ProgressBar1->setTextVisible(false);
   progress_.SetBar(ProgressBar1);
@@ -235,8 +252,6 @@ void frmLuvane::Load() {
     Text1[1]->setText(Number(in.MaxLat));
     Text2[0]->setText(Number(in.MinLon));
     Text2[1]->setText(Number(in.MaxLon));
-    s_.Interp.InterpRefLoaded = s_.Interp.InterpRefCount > 0;
-    s_.Interp.InterpTargetLoaded = s_.Interp.InterpTargetCount > 0;
     LayOutMap();
     RedrawInterpMap();
     for (QWidget* w : std::initializer_list<QWidget*>{
@@ -325,7 +340,7 @@ void frmLuvane::RedrawInterpMap() {
   DrawCoastline();
   DrawStations(map, s_.Interp, kMapMark);
   map.StoreBackground();
-  if (!Command2->isEnabled() && s_.Interp.InterpTargetLoaded) {
+  if (!Command2->isEnabled()) {
     DrawTargetSites();
     HighlightAnalogues();
   }
@@ -552,10 +567,11 @@ bool frmLuvane::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void frmLuvane::closeEvent(QCloseEvent* event) {
+  // Unloaded first, so that the magnifier's closing leaves the map alone.
+  loaded_ = false;
   UnloadAll();
   s_.Interp.InterpWindowOpen = false;
   mat_.Command8->setEnabled(true);
-  loaded_ = false;
   emit Unloaded();
   event->accept();
 }

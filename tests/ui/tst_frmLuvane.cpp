@@ -709,6 +709,12 @@ void TestFrmLuvane::reopensForInspectionAfterReturn() {
     if (Near(t.Map(), in.SiteLongitude(i), in.SiteLatitude(i), kYellow, 0)) ++yellow;
   QVERIFY(yellow > in.InterpTargetCount / 2);
   QVERIFY(in.InterpWindowOpen);
+  // The files count as not read in this window: a click opens no magnifier.
+  QVERIFY(!in.InterpRefLoaded);
+  QVERIFY(!in.InterpTargetLoaded);
+  const QImage before = t.Map().Image().copy();
+  t.Click(in.InterpRefLon(3), in.InterpRefLat(3));
+  QCOMPARE(t.Map().Image(), before);
 }
 
 void TestFrmLuvane::mapWiderThanTheScreenShrinksWithItsShape() {
