@@ -144,6 +144,8 @@ class TestFrmLuvane : public QObject {
   void cancelledTargetDialogEndsQuietly();
   void copyPutsTheMapAndTheScatterOnTheClipboard();
   void lonelyStationBeyondAnyRadiusEndsAtTheBoundary();
+  void hoverOnTheMagnifierNamesAndShowsTheReach();
+  void editedScatterBoundsRedrawTheScatter();
 };
 
 void TestFrmLuvane::opensWithItsCaptionDefaultsAndButtonOrder() {
@@ -823,6 +825,41 @@ void TestFrmLuvane::lonelyStationBeyondAnyRadiusEndsAtTheBoundary() {
   QVERIFY(QApplication::overrideCursor() == nullptr);
   QVERIFY(!t.lv->Command1->isEnabled());
   QVERIFY(t.lv->isVisible());
+}
+
+void TestFrmLuvane::hoverOnTheMagnifierNamesAndShowsTheReach() {
+  Tool t;
+  t.BothFiles();
+  const InterpolationState& in = t.session.Interp;
+  const double lon = in.SiteLongitude(4), lat = in.SiteLatitude(4);
+  t.Click(lon, lat);
+  frmLuvaneMag* mag = t.lv->Magnifier();
+  Surface& m = mag->Picture2->surface();
+  QVERIFY(Near(m, lon, lat, kYellow, 0) || Near(m, lon, lat, kGreen, 0));
+  const QPointF px = m.ToPixel(lon, lat) + QPointF(mag->Picture2->Origin());
+  QMouseEvent move(QEvent::MouseMove, px, mag->Picture2->mapToGlobal(px), Qt::NoButton,
+                   Qt::NoButton, Qt::NoModifier);
+  QApplication::sendEvent(mag->Picture2, &move);
+  QCOMPARE(mag->Picture2->toolTip(), QString::fromStdString(in.SiteMapNames(4)));
+  QVERIFY(Near(m, lon, lat, kRed, 0));
+  // The radius line runs out of the magnifier to the right.
+  QVERIFY(Near(m, lon + 0.9, lat, kRed, 0));
+  // The map's foreground follows: cleared, with nothing red at the target.
+  QVERIFY(!Near(t.Map(), lon, lat + 3, kRed, 1));
+}
+
+void TestFrmLuvane::editedScatterBoundsRedrawTheScatter() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  frmLuvaneCorrel* c = t.lv->Correl();
+  c->Text1[1]->setText("50");
+  QCOMPARE(c->Label1[1]->text(), QString("50"));
+  QCOMPARE(c->Picture3->surface().ScaleTop(), 50.0);
+  c->Text1[0]->setText("-50");
+  QCOMPARE(c->Label1[0]->text(), QString("-50"));
+  QCOMPARE(c->Picture3->surface().ScaleLeft(), -50.0);
+  QCOMPARE(c->Picture3->surface().ScaleWidth(), 100.0);
 }
 
 QTEST_MAIN(TestFrmLuvane)
