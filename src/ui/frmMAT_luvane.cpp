@@ -11,6 +11,8 @@ namespace varnoth {
 frmLuvane* frmMAT::LuvaneWindow() {
   if (!luvane_) {
     luvane_ = new frmLuvane(s_, dialogs_, *this);
+    // A window of its own on the screen, it goes with this one.
+    connect(this, &QObject::destroyed, luvane_, [w = luvane_.data()] { delete w; });
     emit LuvaneCreated(luvane_);
   }
   return luvane_;
