@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "state/Format.h"
+#include "state/RecordFile.h"
 #include "state/RecordWriter.h"
 
 namespace varnoth {
@@ -132,23 +133,6 @@ void BinRecord(RecordWriter& w, const Array1<float>& b) {
 
 std::string StampText(const FileStamp& stamp) { return stamp.Date + " (" + stamp.Time + ")"; }
 
-template <typename Body>
-bool Save(const std::optional<std::string>& path, Progress& progress, long rows, Body body) {
-  if (!path) return false;
-  progress.Start(rows);
-  bool written = false;
-  try {
-    RecordWriter w;
-    body(w);
-    w.Save(*path);
-    written = true;
-  } catch (const RuntimeFailure&) {
-  }
-  progress.Step(0);
-  progress.Finish();
-  return written;
-}
-
 }  // namespace
 
 bool SaveProbability(const CalibState& c, const CalibSettings& st,
@@ -164,7 +148,7 @@ bool SaveConfidence(const CalibState& c, const CalibSettings& st,
 bool SaveOstrel(const Session& s, const CalibState& c, const CalibSettings& st,
                 const AnalogueChoices& choices, double t1, const FileStamp& stamp,
                 const std::optional<std::string>& path, Progress& progress) {
-  return Save(path, progress, kMatrixSteps, [&](RecordWriter& w) {
+  return SaveRecordFile(path, progress, kMatrixSteps, [&](RecordWriter& w) {
     const Array1<float> b = Bins(c, t1);
     w.Text("Varnoth 2.0 output file (Ostrel Light)").End();
     w.Text("Date/Time: ").Text(StampText(stamp)).End();
@@ -188,7 +172,7 @@ bool SaveTamsek(const Session& s, const CalibState& c, const CalibSettings& st,
                 const AnalogueChoices& choices, const HistState& h, long curveSmoothing, double t1,
                 const FileStamp& stamp, const std::optional<std::string>& path,
                 Progress& progress) {
-  return Save(path, progress, h.HistColumns, [&](RecordWriter& w) {
+  return SaveRecordFile(path, progress, h.HistColumns, [&](RecordWriter& w) {
     const Array1<float> b = Bins(c, t1);
     const long rows = h.HistColumns;
     double top = 1, bottom = s.FossilSampleCount;

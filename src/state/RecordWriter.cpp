@@ -27,13 +27,15 @@ RecordWriter& RecordWriter::Text(std::string_view s) {
 
 RecordWriter& RecordWriter::Number(double v) {
   Separate();
-  out_ += FormatGeneral(v);
+  char text[kNumberTextMax];
+  out_.append(text, WriteGeneral(text, v));
   return *this;
 }
 
 RecordWriter& RecordWriter::Single(float v) {
   Separate();
-  out_ += FormatSingle(v);
+  char text[kNumberTextMax];
+  out_.append(text, WriteSingle(text, v));
   return *this;
 }
 
@@ -49,10 +51,14 @@ RecordWriter& RecordWriter::End() {
   return *this;
 }
 
-void RecordWriter::Save(const std::string& path) const {
+void RecordWriter::Save(const std::string& path) const { Save(path, {}); }
+
+void RecordWriter::Save(const std::string& path, const std::vector<RecordWriter>& more) const {
   std::ofstream f(path, std::ios::binary | std::ios::trunc);
   if (!f) throw RuntimeFailure(FailureKind::FileNotFound, path);
   f.write(out_.data(), static_cast<std::streamsize>(out_.size()));
+  for (const RecordWriter& w : more)
+    f.write(w.out_.data(), static_cast<std::streamsize>(w.out_.size()));
   f.close();
   if (!f) throw RuntimeFailure(FailureKind::FileNotFound, path);
 }

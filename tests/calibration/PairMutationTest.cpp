@@ -4,46 +4,10 @@
 
 #include "CalibSupport.h"
 #include "state/Format.h"
+#include "support/Mutation.h"
 
 using namespace varnoth;
 using namespace varnoth::test;
-
-namespace {
-
-struct Xorshift {
-  std::uint32_t state;
-  std::uint32_t Next() {
-    state ^= state << 13;
-    state ^= state >> 17;
-    state ^= state << 5;
-    return state;
-  }
-};
-
-std::string Mutate(std::string text, Xorshift& rng) {
-  static const char* const pieces[] = {",",  "\n",   "\"",   " ",        "1e400", "-9999", "abc",
-                                       ",,", "\r\n", "12.0", "\x01\xff", "-",     "1e38"};
-  const int edits = 1 + static_cast<int>(rng.Next() % 4);
-  for (int e = 0; e < edits && !text.empty(); ++e) {
-    const std::size_t at = rng.Next() % text.size();
-    switch (rng.Next() % 4) {
-      case 0:
-        text.erase(at, 1 + rng.Next() % 20);
-        break;
-      case 1:
-        text.insert(at, pieces[rng.Next() % std::size(pieces)]);
-        break;
-      case 2:
-        text[at] = static_cast<char>(rng.Next() & 0xFF);
-        break;
-      default:
-        text.resize(at);
-    }
-  }
-  return text;
-}
-
-}  // namespace
 
 TEST(PairFile, MutatedFilesNeverCrashAndCompletedOnesCountTheirPairs) {
   TempDir dir;
