@@ -14,6 +14,7 @@
 #include "state/Format.h"
 #include "ui/PictureBox.h"
 #include "ui/WindowPlacement.h"
+#include "ui/frmCalib.h"
 #include "ui/frmMAT.h"
 
 namespace varnoth {
@@ -138,6 +139,12 @@ void frmLuvaneCorrel::DrawScatterPL() {
   const double radius = std::abs(pic.ScaleWidth()) / 100;
   for (const ScatterPoint& p : pairs.Points) pic.Circle(p.Estimate, p.Observed, radius, kBlue);
   pic.StoreBackground();
+  // The count goes beside "N1 =" of the calibration tool.
+  if (pairs.Counted && mat_.Calib()) {
+    const std::string n = std::to_string(pairs.Points.size());
+    mat_.Calib()->Labels.Label12[1] = n;
+    if (mat_.CalibWindow()) mat_.CalibWindow()->Label12[1]->setText(QString::fromStdString(n));
+  }
   if (pairs.Correlation) Label3->setText(QString::fromStdString(pairs.CorrelationText));
   Picture3->update();
 }

@@ -3,6 +3,7 @@
 #include <QComboBox>
 #include <QPushButton>
 
+#include "interpolation/CalibrationPairs.h"
 #include "ui/frmLuvane.h"
 #include "ui/frmMAT.h"
 
@@ -28,7 +29,10 @@ void frmMAT::FollowParameterInLuvane() {
   // With interpolated climate the accuracy pairs are read from the first
   // packed column from here on, whichever parameter is chosen; the
   // calibration tool later takes its pair set by the parameter's name.
-  if (s_.SiteInfoLoaded) s_.Interp.InterpCurrentParam = 1;
+  if (s_.SiteInfoLoaded) {
+    s_.Interp.InterpCurrentParam = 1;
+    if (calib_ && s_.Interp.InterpPairEstimates.Allocated()) CopyAccuracyPairs(*calib_, s_);
+  }
   // The accuracy scatter's list shows the same parameter.
   if (luvane_ && luvane_->Correl() && s_.Interp.InterpCorrelOpen) {
     QComboBox* list = luvane_->Correl()->Combo1;

@@ -27,6 +27,7 @@
 #include "presentation/MapFigure.h"
 #include "ui/PictureBox.h"
 #include "ui/WindowPlacement.h"
+#include "ui/frmCalib.h"
 #include "ui/frmLuvane.h"
 #include "ui/frmLuvaneCorrel.h"
 #include "ui/frmLuvaneHelp.h"
@@ -146,6 +147,7 @@ class TestFrmLuvane : public QObject {
   void lonelyStationBeyondAnyRadiusEndsAtTheBoundary();
   void hoverOnTheMagnifierNamesAndShowsTheReach();
   void editedScatterBoundsRedrawTheScatter();
+  void calibrationTakesTheStationPairsOfTheParameter();
 };
 
 void TestFrmLuvane::opensWithItsCaptionDefaultsAndButtonOrder() {
@@ -860,6 +862,32 @@ void TestFrmLuvane::editedScatterBoundsRedrawTheScatter() {
   QCOMPARE(c->Label1[0]->text(), QString("-50"));
   QCOMPARE(c->Picture3->surface().ScaleLeft(), -50.0);
   QCOMPARE(c->Picture3->surface().ScaleWidth(), 100.0);
+}
+
+void TestFrmLuvane::calibrationTakesTheStationPairsOfTheParameter() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  t.lv->Command1->click();
+  QCoreApplication::processEvents();
+  // The second parameter in the reconstruction, then its error model.
+  t.mat->Combo1->setCurrentIndex(1);
+  emit t.mat->Combo1->activated(1);
+  t.mat->Command3->click();
+  t.mat->Command6->click();
+  QCoreApplication::processEvents();
+  frmCalib* cal = t.mat->CalibWindow();
+  QVERIFY(cal && cal->isVisible());
+  const InterpolationState& in = t.session.Interp;
+  const CalibState& c = *t.mat->Calib();
+  // Pair set 1 is TJul's column of the stations, found by its name.
+  for (long r = 1; r <= in.InterpRefCount; ++r) {
+    QCOMPARE(c.PairData(1, r, 1), static_cast<float>(in.InterpRefEstimate(r, 7)));
+    QCOMPARE(c.PairData(1, r, 2), static_cast<float>(in.InterpRefClimate(r, 7)));
+  }
+  // N1 is the count of the accuracy check.
+  QCOMPARE(cal->Label12[1]->text(), QString::number(in.InterpPairCount));
+  QVERIFY(in.InterpPairCount > 250);
 }
 
 QTEST_MAIN(TestFrmLuvane)
