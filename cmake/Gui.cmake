@@ -46,3 +46,12 @@ if(VARNOTH_BENCH AND TARGET varnoth_presentation)
     target_include_directories(varnoth_gui_bench PRIVATE ${PROJECT_SOURCE_DIR}/bench)
   endif()
 endif()
+
+# The world coastline of the interpolation map, found in the source tree
+# when the program is not installed.
+foreach(target varnoth_ui varnoth_gui_bench)
+  if(TARGET ${target})
+    target_compile_definitions(${target} PRIVATE
+      VARNOTH_COASTLINE="${PROJECT_SOURCE_DIR}/data/coastline.csv")
+  endif()
+endforeach()

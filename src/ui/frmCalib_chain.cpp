@@ -3,6 +3,7 @@
 // on blank figures, the overlays of Fig.8 and the hand-back.
 #include <QAction>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -11,6 +12,7 @@
 #include <QSlider>
 
 #include "calibration/PairSets.h"
+#include "interpolation/CalibrationPairs.h"
 #include "state/Format.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
@@ -240,13 +242,27 @@ void frmCalib::SetRange() {
 }
 
 void frmCalib::TransferData() {
-  // Without climate from the interpolation tool pair set 1 stays as it was.
-  Command1[1]->setEnabled(!Check4->isChecked());
-  Check4->setEnabled(true);
-  varnoth::TransferData(c_, s_, std::string());
+  if (s_.SiteInfoLoaded) {
+    // Climate from the interpolation tool: pair set 1 is its stations'
+    // leave-one-out estimates against their observations, for the
+    // parameter shown, and no file replaces it.
+    Command1[1]->setEnabled(false);
+    Check4->setEnabled(false);
+    const InterpolatedPairs pairs =
+        InterpolatedPairsFor(s_, mat_.Combo1->currentText().toStdString());
+    varnoth::TransferData(c_, s_, std::string(), &pairs);
+    // The scatter runs over all stations, with or without a pair.
+    c_.PairRows[1] = s_.Interp.InterpRefCount;
+  } else {
+    // Without climate from the interpolation tool pair set 1 stays as it was.
+    Command1[1]->setEnabled(!Check4->isChecked());
+    Check4->setEnabled(true);
+    varnoth::TransferData(c_, s_, std::string());
+  }
   ShowLabels();
   ResetData(0);
   DrawScatter(0);
+  if (s_.SiteInfoLoaded) DrawScatter(1);
   if (c_.PictDrawn[1] && c_.PictDrawn[2]) Command3->setEnabled(true);
   Check4->setEnabled(true);
 }

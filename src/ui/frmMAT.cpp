@@ -88,6 +88,7 @@ frmMAT::frmMAT(Session& session, ColourSettings& colours, Dialogs& dialogs, Prog
   BuildControls();
   BuildMenus();
   ConnectEvents();
+  ConnectLuvane();
   pictureWidth_ = Pixels(kPictureTwips);
   frame5Width_ = kFrame5Width;
   resize(kFrame5Left + kFrame5Width + kGap + pictureWidth_ + 2 * kGap, 620);

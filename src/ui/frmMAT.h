@@ -4,6 +4,7 @@
 // beside it, and after the error model the estimated-observed scatter.
 // Every change of a setting runs the search again through Reset.
 #include <QMainWindow>
+#include <QPointer>
 #include <array>
 #include <memory>
 
@@ -35,6 +36,7 @@ namespace varnoth {
 class PictureBox;
 class SampleUpDown;
 class frmCalib;
+class frmLuvane;
 
 class frmMAT : public QMainWindow {
   Q_OBJECT
@@ -73,6 +75,10 @@ class frmMAT : public QMainWindow {
   void MoveMarker();
   // The diagram's selection line was switched: Check3 follows.
   void FollowSelectionLine(bool on);
+
+  // The interpolation tool of Command8, loaded at first use.
+  frmLuvane* LuvaneWindow();
+  frmLuvane* Luvane() const;
 
   // The settings as the controls say.
   AnalogueSettings Settings() const;
@@ -149,6 +155,8 @@ class frmMAT : public QMainWindow {
   void ColourSettingsRequested();
   // Pictures and the other windows are to be refreshed.
   void RefreshRequested();
+  // The interpolation tool was made: the main window closes it at quitting.
+  void LuvaneCreated(QWidget* window);
   // The window was unloaded: the main window's button opens it again.
   void Unloaded();
 
@@ -192,6 +200,8 @@ class frmMAT : public QMainWindow {
   void FillLabels();
   void FocusNext();
   void EnableSettings();
+  void ConnectLuvane();
+  void FollowParameterInLuvane();
 
   // Saves, in frmMAT_files.cpp.
   template <typename Writer>
@@ -223,6 +233,7 @@ class frmMAT : public QMainWindow {
   double threshold_ = 0.2;  // AnalogueThreshold, set by DefineThreshold
   int frame5Width_ = 0;
   int pictureWidth_ = 0;  // Picture1 to Picture4, from Slider7
+  QPointer<frmLuvane> luvane_;
 };
 
 }  // namespace varnoth

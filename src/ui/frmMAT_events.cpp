@@ -22,6 +22,7 @@
 #include "ui/PictureBox.h"
 #include "ui/frmCalib.h"
 #include "ui/frmDiagram.h"
+#include "ui/frmLuvane.h"
 #include "ui/frmMAT.h"
 
 namespace varnoth {
@@ -424,6 +425,7 @@ void frmMAT::ChangePara() {
         QString::fromStdString(FormatGeneral(RoundScaleUp(s_.ReconMax(p), s_.ReconMin(p)))));
     DrawReconstructionCurve();
   }
+  FollowParameterInLuvane();
   if (UpDown1->isEnabled()) UpDown1->setFocus();
   Picture4->setVisible(false);
   if (s_.ErrorModelReady) EmptyMatrices();
@@ -556,8 +558,8 @@ void frmMAT::ShowSamplePosition() {
 }
 
 void frmMAT::HighlightAnalogues() {
-  // The analogues are marked on the map of the interpolation tool; with no
-  // map open there is nothing to mark.
+  // The analogues are marked on the map of the interpolation tool.
+  if (luvane_) luvane_->HighlightAnalogues();
 }
 
 void frmMAT::DrawMarker() {

@@ -44,6 +44,8 @@ frmMAT* frmMain::MATWindow() {
       if (diagram_) diagram_->update();
     });
     connect(mat_, &frmMAT::Unloaded, this, [this] { Command8->setEnabled(true); });
+    connect(mat_, &frmMAT::LuvaneCreated, this,
+            [this](QWidget* w) { AddWindow(WindowOrder::Interpolation, w); });
     connect(this, &frmMain::SampleChosen, mat_.data(), &frmMAT::MoveMarker);
     connect(this, &frmMain::RedrawOthers, mat_.data(), &frmMAT::RedrawAll);
     LinkDiagramAndMAT();

@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <string>
 
+#include "StationTables.h"
 #include "presentation/Colours.h"
 #include "state/Session.h"
 #include "ui/PictureBox.h"
@@ -27,6 +28,7 @@
 #include "ui/frmCorrelVar.h"
 #include "ui/frmDiagram.h"
 #include "ui/frmECC.h"
+#include "ui/frmLuvane.h"
 #include "ui/frmMAT.h"
 #include "ui/frmMain.h"
 #include "ui/frmOutPut2.h"
@@ -144,6 +146,60 @@ void EccShots(varnoth::frmMain& w, varnoth::ScriptedDialogs& dialogs) {
   ecc->hide();
 }
 
+// The interpolation tool on a session of its own, before any climate file:
+// the world at load, the made-up stations and targets over Europe, a
+// pointer on a target, the magnifier, the accuracy scatter, and the
+// analogues ringed after the hand-back.
+void LuvaneShots(const std::string& reference, const std::string& fossil) {
+  varnoth::Session session;
+  varnoth::ColourSettings colours;
+  varnoth::ScriptedDialogs dialogs;
+  dialogs.OpenNames = {reference, fossil};
+  varnoth::frmMain w(session, colours, dialogs);
+  w.SetEndProgram([] {});
+  w.show();
+  w.Command5->click();
+  w.CorrelVar()->Command1->click();
+  w.Command6->click();
+  w.Command8->click();
+  varnoth::frmMAT* mat = w.MATWindow();
+  mat->Command8->click();
+  varnoth::frmLuvane* lv = mat->LuvaneWindow();
+  Shot(lv, "luvane-world");
+
+  std::vector<std::string> names;
+  for (long i = 1; i <= session.RefSiteCount; ++i) names.push_back(session.RefSiteNames(i));
+  auto write = [](const QString& name, const std::string& text) {
+    QFile f(g_folder + "/" + name);
+    f.open(QIODevice::WriteOnly);
+    f.write(text.data(), static_cast<qint64>(text.size()));
+    return f.fileName().toStdString();
+  };
+  dialogs.OpenNames.push_back(write("stations.csv", varnoth::demo::StationTable(300)));
+  lv->Command0->click();
+  Shot(lv, "luvane-stations");
+  dialogs.OpenNames.push_back(
+      write("targets.csv", varnoth::demo::TargetTable(varnoth::demo::TargetSites(names))));
+  lv->Command2->click();
+  Shot(lv, "luvane-map");
+  const varnoth::InterpolationState& in = session.Interp;
+  lv->MoveOnMap(in.SiteLongitude(5), in.SiteLatitude(5));
+  Shot(lv, "luvane-hover");
+  lv->ClickOnMap(in.SiteLongitude(5), in.SiteLatitude(5));
+  lv->MoveOnMagnifier(in.SiteLongitude(5), in.SiteLatitude(5));
+  Shot(lv->Magnifier(), "luvane-magnifier");
+  Shot(lv, "luvane-map-square");
+  lv->Magnifier()->close();
+  lv->Command3->click();
+  Shot(lv->Correl(), "luvane-accuracy");
+  Shot(lv, "luvane-after-run");
+  lv->Command1->click();
+  Shot(mat, "mat-interpolated");
+  lv->show();
+  Shot(lv, "luvane-analogues");
+  w.QuitProgram();
+}
+
 }  // namespace
 
 // On a real X display, in x11.cpp.
@@ -243,6 +299,7 @@ int main(int argc, char* argv[]) {
   diagram->nmuConiss->trigger();
   Shot(diagram, "diagram-coniss");
   ShotReconstruction(w, dialogs);
+  LuvaneShots(reference, fossil);
   EccShots(w, dialogs);
   diagram->hide();
 

@@ -1,0 +1,894 @@
+// The interpolation tool driven by its control names from the
+// reconstruction window: the start state, both imports with their refusals,
+// the map with its coast, sites, hover names and reach circle, the
+// magnifier, the accuracy scatter, the hand-back, the analogues ringed on
+// the map, and the climate against the batch runner's for the same files.
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QProcess>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSlider>
+#include <QTest>
+#include <cmath>
+
+#include "UiSupport.h"
+#include "app/shots/StationTables.h"
+#include "interpolation/Interpolation.h"
+#include "presentation/MapFigure.h"
+#include "ui/PictureBox.h"
+#include "ui/WindowPlacement.h"
+#include "ui/frmCalib.h"
+#include "ui/frmLuvane.h"
+#include "ui/frmLuvaneCorrel.h"
+#include "ui/frmLuvaneHelp.h"
+#include "ui/frmLuvaneMag.h"
+#include "ui/frmMAT.h"
+
+using namespace varnoth;
+using varnoth::uitest::Example;
+using varnoth::uitest::Inked;
+using varnoth::uitest::Near;
+
+namespace {
+
+QByteArray ReadAll(const QString& path) {
+  QFile f(path);
+  return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+const QColor kGreen(0, 255, 0), kYellow(255, 255, 0), kRed(255, 0, 0), kGrey(126, 126, 126),
+    kBlue(0, 0, 255), kNoData(200, 200, 200);
+
+// The example road up to the open interpolation tool.
+struct Tool : uitest::MainFixture {
+  frmMAT* mat = nullptr;
+  frmLuvane* lv = nullptr;
+  std::string stations, targets;
+  std::vector<demo::Site> sites;
+
+  Tool() {
+    MainFixture::Road();
+    window->Command8->click();
+    mat = window->MATWindow();
+    mat->Command8->click();
+    lv = mat->LuvaneWindow();
+    QCoreApplication::processEvents();
+    std::vector<std::string> names;
+    for (long i = 1; i <= session.RefSiteCount; ++i) names.push_back(session.RefSiteNames(i));
+    sites = demo::TargetSites(names);
+    stations = Write("stations.csv", QByteArray::fromStdString(demo::StationTable(300)));
+    targets = Write("targets.csv", QByteArray::fromStdString(demo::TargetTable(sites)));
+  }
+  Surface& Map() { return lv->Picture1->surface(); }
+  void ImportStations(const std::string& path) {
+    dialogs.OpenNames.push_back(path);
+    lv->Command0->click();
+  }
+  void ImportTargets(const std::string& path) {
+    dialogs.OpenNames.push_back(path);
+    lv->Command2->click();
+  }
+  void BothFiles() {
+    ImportStations(stations);
+    ImportTargets(targets);
+  }
+  // The pointer moved over the map to (lon, lat), as the mouse does it.
+  void Hover(double lon, double lat) {
+    const QPointF px = Map().ToPixel(lon, lat) + QPointF(lv->Picture1->Origin());
+    QMouseEvent move(QEvent::MouseMove, px, lv->Picture1->mapToGlobal(px), Qt::NoButton,
+                     Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(lv->Picture1, &move);
+  }
+  void Click(double lon, double lat) {
+    const QPointF px = Map().ToPixel(lon, lat) + QPointF(lv->Picture1->Origin());
+    QTest::mouseClick(lv->Picture1, Qt::LeftButton, Qt::NoModifier, px.toPoint());
+  }
+};
+
+// The batch runner on the example data and the same two files.
+bool Batch(const QString& out, const std::string& stations, const std::string& targets) {
+  QProcess p;
+  const QStringList args = {"--reference", QString::fromStdString(Example("reference.csv")),
+                            "--fossil",    QString::fromStdString(Example("fossil.csv")),
+                            "--stations",  QString::fromStdString(stations),
+                            "--targets",   QString::fromStdString(targets),
+                            "--out",       out};
+  p.start(VARNOTH_BATCH, args);
+  return p.waitForFinished(120000) && p.exitCode() == 0;
+}
+
+}  // namespace
+
+class TestFrmLuvane : public QObject {
+  Q_OBJECT
+ private slots:
+  void opensWithItsCaptionDefaultsAndButtonOrder();
+  void coastlineIsDrawnOnTheWorldAtLoad();
+  void clickOnTheMapBeforeAnyFileDrawsNothing();
+  void stationFileLaysOutTheMapAndDrawsGreenDiscs();
+  void stationFileWithFiveColumnsIsRefused();
+  void targetFileWithWrongCountIsRefused();
+  void nameQuestionAnsweredNoEndsTheTargetImport();
+  void nameQuestionAnsweredYesGoesOn();
+  void targetsAreDrawnInYellow();
+  void hoveringATargetAtAStationShowsTheTargetsName();
+  void reachCircleGoesWithThePointer();
+  void regionOfTwentyByTenDegreesNarrowsTheWindow();
+  void clickOpensTheMagnifierWithTheGreySquare();
+  void closingTheMagnifierRemovesTheSquare();
+  void checkAccuracyShowsTheScatter();
+  void stationWithoutNeighbourStaysOutOfScatterAndSave();
+  void scatterToolTipNamesTheLaterStation();
+  void changedInputsInvalidateTheRun();
+  void returnHandsBackAndMatchesTheBatchRunner();
+  void analoguesAreRingedAndFollowTheSample();
+  void helpShowsTheFileFormats();
+  void closeHidesAndUnloadClosesTheOthers();
+  void quitClosesTheInterpolationWindows();
+  void progressRunsOverTargetsAndStations();
+  void minimumDistanceIgnoresTheExponent();
+  void reopensForInspectionAfterReturn();
+  void mapWiderThanTheScreenShrinksWithItsShape();
+  void boundsBoxesAreReadAtTheNextRedraw();
+  void flatColumnKeepsTheCoefficient();
+  void parameterChosenInReconstructionFollowsInTheScatter();
+  void cancelledTargetDialogEndsQuietly();
+  void copyPutsTheMapAndTheScatterOnTheClipboard();
+  void lonelyStationBeyondAnyRadiusEndsAtTheBoundary();
+  void hoverOnTheMagnifierNamesAndShowsTheReach();
+  void editedScatterBoundsRedrawTheScatter();
+  void calibrationTakesTheStationPairsOfTheParameter();
+};
+
+void TestFrmLuvane::opensWithItsCaptionDefaultsAndButtonOrder() {
+  Tool t;
+  QCOMPARE(t.lv->windowTitle(), QString("Luvane 1.1"));
+  QVERIFY(t.lv->isVisible());
+  QVERIFY(t.session.Interp.InterpWindowOpen);
+  QCOMPARE(t.lv->Command0->text(), QString("Import reference dataset"));
+  QCOMPARE(t.lv->Command2->text(), QString("Import target cordinates"));
+  QCOMPARE(t.lv->Command3->text(), QString("Check accuracy"));
+  QCOMPARE(t.lv->Command1->text(), QString("Return to Varnoth"));
+  QCOMPARE(t.lv->Command4->text(), QString("Close"));
+  QVERIFY(t.lv->Command0->isEnabled());
+  QVERIFY(!t.lv->Command2->isEnabled());
+  QVERIFY(!t.lv->Command3->isEnabled());
+  QVERIFY(!t.lv->Command1->isEnabled());
+  QVERIFY(t.lv->Command4->isEnabled());
+  QVERIFY(t.lv->Option1[1]->isChecked());
+  QCOMPARE(t.lv->Option1[1]->text(), QString("Interpolation"));
+  QCOMPARE(t.lv->Option1[0]->text(), QString("Minimum distance"));
+  QCOMPARE(t.lv->Combo1->currentText(), QString("-2"));
+  QCOMPARE(t.lv->Combo1->count(), 2);
+  QCOMPARE(t.lv->Text3->text(), QString("3"));
+  QCOMPARE(t.lv->Combo2->currentText(), QString("Degree"));
+  QVERIFY(!t.lv->Combo2->isEnabled());
+  QCOMPARE(t.lv->Text1[0]->text(), QString("-90"));
+  QCOMPARE(t.lv->Text1[1]->text(), QString("90"));
+  QCOMPARE(t.lv->Text2[0]->text(), QString("-180"));
+  QCOMPARE(t.lv->Text2[1]->text(), QString("180"));
+  QVERIFY(!t.lv->ProgressBar1->isVisible());
+  // The order is forced: each import opens the next step only.
+  t.ImportStations(t.stations);
+  QVERIFY(!t.lv->Command0->isEnabled());
+  QVERIFY(t.lv->Command2->isEnabled());
+  QVERIFY(!t.lv->Command3->isEnabled());
+  t.ImportTargets(t.targets);
+  QVERIFY(!t.lv->Command2->isEnabled());
+  QVERIFY(t.lv->Command3->isEnabled());
+  QVERIFY(!t.lv->Command1->isEnabled());
+  t.lv->Command3->click();
+  QVERIFY(t.lv->Command1->isEnabled());
+}
+
+void TestFrmLuvane::coastlineIsDrawnOnTheWorldAtLoad() {
+  Tool t;
+  QVERIFY(t.lv->Coast().Segments.size() > 4000);
+  Surface& map = t.Map();
+  QCOMPARE(map.ScaleLeft(), -180.0);
+  QCOMPARE(map.ScaleTop(), 90.0);
+  // A coast point of the table itself, and open ocean in the mid-Pacific.
+  const auto& seg = t.lv->Coast().Segments[t.lv->Coast().Segments.size() / 3];
+  QVERIFY(Near(map, seg[0], seg[1], kGrey, 1));
+  QCOMPARE(Inked(map, -140, -45, -130, -35), 0);
+  // The progress bar of the reconstruction window is put back.
+  QVERIFY(!t.mat->ProgressBar1->isVisible());
+  QCOMPARE(t.mat->ProgressBar1->minimum(), 0);
+  QCOMPARE(t.mat->ProgressBar1->value(), 0);
+  // The twelve pieces are consecutive slices of the whole table.
+  std::size_t end = 0;
+  for (int piece = 1; piece <= kCoastPieces; ++piece) {
+    const auto [first, last] = CoastPiece(t.lv->Coast(), piece);
+    QCOMPARE(first, end);
+    end = last;
+  }
+  QCOMPARE(end, t.lv->Coast().Segments.size());
+}
+
+void TestFrmLuvane::clickOnTheMapBeforeAnyFileDrawsNothing() {
+  Tool t;
+  const QImage before = t.Map().Image().copy();
+  t.Click(10, 45);
+  QCOMPARE(t.Map().Image(), before);
+  QVERIFY(!t.lv->Magnifier() || !t.lv->Magnifier()->isVisible());
+}
+
+void TestFrmLuvane::stationFileLaysOutTheMapAndDrawsGreenDiscs() {
+  Tool t;
+  t.ImportStations(t.stations);
+  const InterpolationState& in = t.session.Interp;
+  QVERIFY(in.InterpRefLoaded);
+  QCOMPARE(in.InterpRefCount, Count{300});
+  QCOMPARE(t.lv->Text2[0]->text(), QString::number(in.MinLon));
+  QCOMPARE(t.lv->Text1[1]->text(), QString::number(in.MaxLat));
+  QCOMPARE(t.Map().ScaleLeft(), double(in.MinLon));
+  QCOMPARE(t.Map().ScaleTop(), double(in.MaxLat));
+  // A degree as long across as down.
+  const double perLon = t.Map().Width() / double(in.MaxLon - in.MinLon);
+  const double perLat = t.Map().Height() / double(in.MaxLat - in.MinLat);
+  QVERIFY(std::abs(perLon - perLat) < 0.05 * perLat);
+  QVERIFY(Near(t.Map(), in.InterpRefLon(5), in.InterpRefLat(5), kGreen, 0));
+  QVERIFY(t.lv->Command2->hasFocus() || !t.lv->isActiveWindow());
+}
+
+void TestFrmLuvane::stationFileWithFiveColumnsIsRefused() {
+  Tool t;
+  const std::string five =
+      t.Write("five.csv", "S,Lon,Lat,Alt,TL,PL\r\nA,1,2,3,-0.5,30\r\nB,2,3,4,-0.5,30\r\n");
+  t.ImportStations(five);
+  QCOMPARE(t.dialogs.Messages.size(), std::size_t(1));
+  QCOMPARE(t.dialogs.Messages[0].Text, std::string("File does not contain climate data."));
+  QCOMPARE(t.dialogs.Messages[0].Title, std::string("Error"));
+  QVERIFY(t.lv->Command0->isEnabled());
+  QVERIFY(!t.lv->Command2->isEnabled());
+  QVERIFY(!t.session.Interp.InterpRefLoaded);
+  // A cancelled dialog ends as quietly.
+  t.lv->Command0->click();
+  QVERIFY(t.lv->Command0->isEnabled());
+  QCOMPARE(t.dialogs.Messages.size(), std::size_t(1));
+}
+
+void TestFrmLuvane::targetFileWithWrongCountIsRefused() {
+  Tool t;
+  t.ImportStations(t.stations);
+  std::vector<demo::Site> fewer(t.sites.begin(), t.sites.end() - 1);
+  t.ImportTargets(t.Write("fewer.csv", QByteArray::fromStdString(demo::TargetTable(fewer))));
+  QCOMPARE(t.dialogs.Messages.back().Text,
+           std::string("Number of surface pollen sites inconsistent."));
+  QVERIFY(t.lv->Command2->isEnabled());
+  QVERIFY(!t.lv->Command3->isEnabled());
+  QVERIFY(!t.session.Interp.InterpTargetLoaded);
+}
+
+void TestFrmLuvane::nameQuestionAnsweredNoEndsTheTargetImport() {
+  Tool t;
+  t.ImportStations(t.stations);
+  auto renamed = t.sites;
+  renamed[2].Name = "Elsewhere";
+  t.dialogs.Answers.push_back(false);
+  t.ImportTargets(t.Write("renamed.csv", QByteArray::fromStdString(demo::TargetTable(renamed))));
+  QCOMPARE(t.dialogs.Questions.size(), std::size_t(1));
+  QCOMPARE(t.dialogs.Questions[0].Title, std::string("Error"));
+  QCOMPARE(t.dialogs.Questions[0].Text,
+           "Name inconsistent.  [Elsewhere] = [" + t.session.RefSiteNames(3) + "]?");
+  QVERIFY(t.lv->Command2->isEnabled());
+  QVERIFY(!t.lv->Command3->isEnabled());
+  QVERIFY(!t.session.Interp.InterpTargetLoaded);
+}
+
+void TestFrmLuvane::nameQuestionAnsweredYesGoesOn() {
+  Tool t;
+  t.ImportStations(t.stations);
+  auto renamed = t.sites;
+  renamed[2].Name = "Elsewhere";
+  t.dialogs.Answers.push_back(true);
+  t.ImportTargets(t.Write("renamed.csv", QByteArray::fromStdString(demo::TargetTable(renamed))));
+  QVERIFY(t.session.Interp.InterpTargetLoaded);
+  QVERIFY(!t.lv->Command2->isEnabled());
+  QVERIFY(t.lv->Command3->isEnabled());
+}
+
+void TestFrmLuvane::targetsAreDrawnInYellow() {
+  Tool t;
+  t.ImportStations(t.stations);
+  QVERIFY(!Near(t.Map(), t.session.Interp.InterpRefLon(1), t.session.Interp.InterpRefLat(1),
+                kYellow, 3));
+  t.ImportTargets(t.targets);
+  const InterpolationState& in = t.session.Interp;
+  int yellow = 0;
+  for (long i = 1; i <= in.InterpTargetCount; ++i)
+    if (Near(t.Map(), in.SiteLongitude(i), in.SiteLatitude(i), kYellow, 0)) ++yellow;
+  // Nearly every target shows its yellow disc (a few lie under others).
+  QVERIFY(yellow >= in.InterpTargetCount - 3);
+}
+
+void TestFrmLuvane::hoveringATargetAtAStationShowsTheTargetsName() {
+  Tool t;
+  // The first station stands exactly where the fourth target is.
+  std::string table = demo::StationTable(300);
+  const auto& site = t.sites[3];
+  const std::size_t firstRow = table.find("\r\n") + 2;
+  table.insert(firstRow, "Here," + demo::Cell(site.Lon) + "," + demo::Cell(site.Lat) +
+                             ",100,-0.5,30,5,20,700\r\n");
+  t.ImportStations(t.Write("here.csv", QByteArray::fromStdString(table)));
+  t.Hover(std::stod(demo::Cell(site.Lon)), std::stod(demo::Cell(site.Lat)));
+  QCOMPARE(t.lv->Picture1->toolTip(), QString("Here"));
+  t.ImportTargets(t.targets);
+  t.Hover(std::stod(demo::Cell(site.Lon)), std::stod(demo::Cell(site.Lat)));
+  QCOMPARE(t.lv->Picture1->toolTip(), QString::fromStdString(site.Name));
+}
+
+void TestFrmLuvane::reachCircleGoesWithThePointer() {
+  Tool t;
+  t.BothFiles();
+  const InterpolationState& in = t.session.Interp;
+  const double lon = in.SiteLongitude(1), lat = in.SiteLatitude(1);
+  t.Hover(lon, lat);
+  // The red mark, the radius line and the circle of 3 degrees.
+  QVERIFY(Near(t.Map(), lon, lat, kRed, 0));
+  QVERIFY(Near(t.Map(), lon + 1.5, lat, kRed, 1));
+  QVERIFY(Near(t.Map(), lon, lat + 3, kRed, 1));
+  QVERIFY(Near(t.Map(), lon - 3, lat, kRed, 1));
+  // Moved into the open sea, the circle is gone.
+  t.Hover(in.MinLon + 0.01, in.MinLat + 0.01);
+  QVERIFY(!Near(t.Map(), lon, lat + 3, kRed, 1));
+  QVERIFY(!Near(t.Map(), lon + 1.5, lat, kRed, 1));
+}
+
+void TestFrmLuvane::regionOfTwentyByTenDegreesNarrowsTheWindow() {
+  Tool t;
+  const int worldWidth = t.lv->width();
+  const int worldMap = t.lv->Picture1->width();
+  // Stations fill 20 degrees of latitude and 10 of longitude exactly.
+  std::string table = "St,Lon,Lat,Alt,TL,PL,TJan\r\n";
+  table += "A,10,30,0,-0.5,30,5\r\nB,20,50,0,-0.5,30,6\r\nC,12,40,0,-0.5,30,7\r\n";
+  t.ImportStations(t.Write("region.csv", QByteArray::fromStdString(table)));
+  const InterpolationState& in = t.session.Interp;
+  QCOMPARE(in.MaxLon - in.MinLon, 10.0f);
+  QCOMPARE(in.MaxLat - in.MinLat, 20.0f);
+  const int h = t.lv->Picture1->height();
+  QCOMPARE(t.lv->Picture1->width(), int(std::lround(10.0 * h / 20)));
+  QVERIFY(t.lv->width() < worldWidth);
+  QCOMPARE(worldWidth - t.lv->width(), worldMap - t.lv->Picture1->width());
+  // The coastline keeps its shape: a degree is as many pixels both ways.
+  const Surface& map = t.Map();
+  QVERIFY(std::abs(map.Width() / std::abs(map.ScaleWidth()) -
+                   map.Height() / std::abs(map.ScaleHeight())) < 0.1);
+  // And it is there: the Adriatic coast crosses this box.
+  QVERIFY(Inked(map, 10, 50, 20, 30) > 100);
+}
+
+void TestFrmLuvane::clickOpensTheMagnifierWithTheGreySquare() {
+  Tool t;
+  t.BothFiles();
+  const InterpolationState& in = t.session.Interp;
+  const double lon = in.InterpRefLon(7), lat = in.InterpRefLat(7);
+  t.Click(lon, lat);
+  frmLuvaneMag* mag = t.lv->Magnifier();
+  QVERIFY(mag && mag->isVisible());
+  QCOMPARE(mag->windowTitle(), QString("Magnifier"));
+  // The square 1.2 radii around the click.
+  QVERIFY(Near(t.Map(), lon - 3.6, lat, kGrey, 1));
+  QVERIFY(Near(t.Map(), lon, lat + 3.6, kGrey, 1));
+  Surface& m = mag->Picture2->surface();
+  // Around the click, within the pixel that the click hit.
+  const double degree = std::abs(t.Map().ScaleWidth()) / t.Map().Width();
+  QVERIFY(std::abs(m.ScaleTop() - (lat + 1.2)) <= degree);
+  QCOMPARE(m.ScaleHeight(), -2.4);
+  QVERIFY(Near(m, lon, lat, kGreen, 0));
+}
+
+void TestFrmLuvane::closingTheMagnifierRemovesTheSquare() {
+  Tool t;
+  t.BothFiles();
+  const InterpolationState& in = t.session.Interp;
+  const double lon = in.InterpRefLon(7), lat = in.InterpRefLat(7);
+  t.Click(lon, lat);
+  QVERIFY(Near(t.Map(), lon, lat + 3.6, kGrey, 1));
+  // The square's upper edge is a grey row of pixels; closing takes it away.
+  auto greyOnEdge = [&] {
+    const Surface& map = t.Map();
+    const int py = int(std::floor(map.ToPixel(lon, lat + 3.6).y()));
+    const int x1 = int(map.ToPixel(lon - 3, lat).x()), x2 = int(map.ToPixel(lon + 3, lat).x());
+    int n = 0;
+    for (int px = x1; px <= x2; ++px)
+      for (int dy = -1; dy <= 1; ++dy)
+        if (py + dy >= 0 && py + dy < map.Height() && map.PixelAt(px, py + dy) == kGrey) {
+          ++n;
+          break;
+        }
+    return std::pair{n, x2 - x1 + 1};
+  };
+  const auto [before, span] = greyOnEdge();
+  QVERIFY(before >= span - 1);
+  t.lv->Magnifier()->close();
+  QVERIFY(greyOnEdge().first < span / 2);
+}
+
+void TestFrmLuvane::checkAccuracyShowsTheScatter() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  frmLuvaneCorrel* c = t.lv->Correl();
+  QVERIFY(c && c->isVisible());
+  QCOMPARE(c->windowTitle(), QString("Accuracy (Est-Obs)"));
+  QCOMPARE(c->Combo1->count(), 3);
+  QCOMPARE(c->Combo1->currentText(), QString("TJan"));
+  QCOMPARE(t.session.Interp.InterpCurrentParam, Count{6});
+  // A real correlation of the smooth field.
+  const double r = c->Label3->text().toDouble();
+  QVERIFY(!c->Label3->text().isEmpty());
+  QVERIFY(r > 0.8 && r <= 1);
+  QCOMPARE(c->Label1[0]->text(), c->Text1[0]->text());
+  // A blue disc at a pair.
+  const InterpolationState& in = t.session.Interp;
+  long j = 1;
+  while (in.InterpRefEstimate(j, 6) == kMissing) ++j;
+  QVERIFY(Near(c->Picture3->surface(), in.InterpRefEstimate(j, 6), in.InterpRefClimate(j, 6), kBlue,
+               0));
+  // The reconstruction's list takes the parameters.
+  QCOMPARE(t.mat->Combo1->count(), 3);
+  QVERIFY(t.session.ClimateLoaded);
+  // Choosing another parameter: the reconstruction's list follows.
+  c->Combo1->setCurrentIndex(2);
+  emit c->Combo1->textActivated("PAnn");
+  QCOMPARE(t.session.Interp.InterpCurrentParam, Count{8});
+  QCOMPARE(t.mat->Combo1->currentText(), QString("PAnn"));
+  // Save matrix against the engine's writer for the same column.
+  const std::string path = (t.folder.path() + "/acc.csv").toStdString();
+  t.dialogs.SaveNames.push_back(path);
+  c->mnuSave->trigger();
+  const QByteArray saved = ReadAll(QString::fromStdString(path));
+  QVERIFY(saved.startsWith("\"PAnn (Estimated)\",\"PAnn (Observed)\"\r\n"));
+  QCOMPARE(saved.count("\r\n"), 1 + t.session.Interp.InterpPairCount);
+}
+
+void TestFrmLuvane::stationWithoutNeighbourStaysOutOfScatterAndSave() {
+  Tool t;
+  std::string table = demo::StationTable(300);
+  table += "Lonely,-170,-50,0,-0.5,30,1,2,3\r\n";
+  t.ImportStations(t.Write("lonely.csv", QByteArray::fromStdString(table)));
+  t.ImportTargets(t.targets);
+  t.lv->Command3->click();
+  const InterpolationState& in = t.session.Interp;
+  QCOMPARE(in.InterpRefEstimate(301, 6), kMissing);
+  frmLuvaneCorrel* c = t.lv->Correl();
+  const std::string path = (t.folder.path() + "/acc.csv").toStdString();
+  t.dialogs.SaveNames.push_back(path);
+  c->mnuSave->trigger();
+  const QByteArray saved = ReadAll(QString::fromStdString(path));
+  QCOMPARE(saved.count("\r\n"), 1 + 300);
+  QVERIFY(!saved.contains("\r\n-9999,"));
+}
+
+void TestFrmLuvane::scatterToolTipNamesTheLaterStation() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  frmLuvaneCorrel* c = t.lv->Correl();
+  const InterpolationState& in = t.session.Interp;
+  long j = 1;
+  while (in.InterpRefEstimate(j, 6) == kMissing) ++j;
+  c->MoveOnScatter(in.InterpRefEstimate(j, 6), in.InterpRefClimate(j, 6));
+  QVERIFY(
+      c->Picture3->toolTip().startsWith(QString::fromStdString(in.InterpRefNames(j)) + ", TJan="));
+  // Stations close together: the last in the file names the point.
+  const double tol = std::abs(c->Picture3->surface().ScaleWidth()) / 80;
+  auto under = [&](double x, double y) {
+    std::vector<long> found;
+    for (long i = 1; i <= in.InterpRefCount; ++i)
+      if (std::abs(in.InterpRefEstimate(i, 6) - x) < tol &&
+          std::abs(in.InterpRefClimate(i, 6) - y) < tol)
+        found.push_back(i);
+    return found;
+  };
+  std::vector<long> found;
+  double x = 0, y = 0;
+  for (long i = 1; i <= in.InterpRefCount && found.size() < 2; ++i) {
+    x = in.InterpRefEstimate(i, 6);
+    y = in.InterpRefClimate(i, 6);
+    found = under(x, y);
+  }
+  QVERIFY(found.size() >= 2);
+  c->MoveOnScatter(x, y);
+  QVERIFY(c->Picture3->toolTip().startsWith(
+      QString::fromStdString(in.InterpRefNames(found.back())) + ","));
+  QVERIFY(!c->Picture3->toolTip().startsWith(
+      QString::fromStdString(in.InterpRefNames(found.front())) + ","));
+}
+
+void TestFrmLuvane::changedInputsInvalidateTheRun() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  QVERIFY(t.lv->Command1->isEnabled());
+  QTest::keyClick(t.lv->Text3, Qt::Key_5);
+  QVERIFY(!t.lv->Command1->isEnabled());
+  QVERIFY(!t.lv->Correl()->isVisible());
+  QVERIFY(!t.session.Interp.InterpCorrelOpen);
+  QCOMPARE(t.lv->Text3->cursorPosition(), t.lv->Text3->text().size());
+  t.lv->Command3->click();
+  QVERIFY(t.lv->Command1->isEnabled());
+  t.lv->Option1[0]->click();
+  QVERIFY(!t.lv->Command1->isEnabled());
+  t.lv->Command3->click();
+  QVERIFY(t.lv->Command1->isEnabled());
+  emit t.lv->Combo1->textActivated("-1");
+  QVERIFY(!t.lv->Command1->isEnabled());
+}
+
+void TestFrmLuvane::returnHandsBackAndMatchesTheBatchRunner() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  // The accuracy matrix of every parameter, saved from the scatter.
+  frmLuvaneCorrel* c = t.lv->Correl();
+  for (const QString name : {"TJan", "TJul", "PAnn"}) {
+    emit c->Combo1->textActivated(name);
+    const QString path = t.folder.path() + "/mine-" + name + ".csv";
+    t.dialogs.SaveNames.push_back(path.toStdString());
+    c->mnuSave->trigger();
+  }
+  emit c->Combo1->textActivated("TJan");
+  t.lv->Command1->click();
+  QCoreApplication::processEvents();
+  QVERIFY(t.session.SiteInfoLoaded);
+  for (QWidget* w :
+       std::initializer_list<QWidget*>{t.mat->Option1[0], t.mat->Option1[1], t.mat->Option3[0],
+                                       t.mat->Option3[1], t.mat->Slider1, t.mat->Slider2,
+                                       t.mat->Slider3, t.mat->Check1, t.mat->Label1, t.mat->Label2})
+    QVERIFY(w->isEnabled());
+  QVERIFY(!t.mat->Command1->isEnabled());
+  QVERIFY(!t.mat->Command8->isEnabled());
+  for (QWidget* w : std::initializer_list<QWidget*>{t.lv->Option1[0], t.lv->Option1[1],
+                                                    t.lv->Combo1, t.lv->Combo2, t.lv->Text3})
+    QVERIFY(!w->isEnabled());
+  QVERIFY(t.session.ReconstructionOpen);
+  // The climate of the reconstruction equals the batch runner's file.
+  const QString out = t.folder.path() + "/batch";
+  QVERIFY(Batch(out, t.stations, t.targets));
+  const std::string mine = (t.folder.path() + "/mine.csv").toStdString();
+  NoProgress quiet;
+  QVERIFY(SaveInterpolatedClimate(t.session, mine, quiet));
+  const QByteArray expected = ReadAll(out + "/climate.csv");
+  QVERIFY(!expected.isEmpty());
+  QCOMPARE(ReadAll(QString::fromStdString(mine)), expected);
+  for (const QString name : {"TJan", "TJul", "PAnn"}) {
+    const QByteArray batch = ReadAll(out + "/accuracy-" + name + ".csv");
+    QVERIFY(!batch.isEmpty());
+    QCOMPARE(ReadAll(t.folder.path() + "/mine-" + name + ".csv"), batch);
+  }
+}
+
+void TestFrmLuvane::analoguesAreRingedAndFollowTheSample() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  t.lv->Command1->click();
+  QCoreApplication::processEvents();
+  QVERIFY(t.session.ReconstructionOpen);
+  const InterpolationState& in = t.session.Interp;
+  auto ringed = [&](long sample) {
+    int n = 0;
+    for (long r = 1; r <= t.session.AnalogueCount(sample); ++r) {
+      const long site = t.session.AnalogueSite(sample, r);
+      // The ring stands 0.25 degrees to the right of the site.
+      if (Near(t.Map(), in.SiteLongitude(site) + 0.25, in.SiteLatitude(site), kRed, 1)) ++n;
+    }
+    return n;
+  };
+  long k = t.session.SampleCursor;
+  QVERIFY(t.session.AnalogueCount(k) > 0);
+  QCOMPARE(ringed(k), int(t.session.AnalogueCount(k)));
+  // Another sample from the reconstruction window: the rings follow.
+  long other = 0;
+  for (long j = 1; j <= t.session.FossilSampleCount && !other; ++j)
+    if (!t.session.FossilEmptySample(j) && t.session.AnalogueCount(j) > 0 &&
+        t.session.AnalogueSite(j, 1) != t.session.AnalogueSite(k, 1))
+      other = j;
+  QVERIFY(other > 0);
+  t.session.SampleCursor = Count(other);
+  t.mat->MoveMarker();
+  QCOMPARE(ringed(other), int(t.session.AnalogueCount(other)));
+}
+
+void TestFrmLuvane::helpShowsTheFileFormats() {
+  Tool t;
+  t.lv->mnuHelp->trigger();
+  frmLuvaneHelp* h = t.lv->Help();
+  QVERIFY(h && h->isVisible());
+  QCOMPARE(h->windowTitle(), QString("Help"));
+  QStringList texts;
+  for (QLabel* l : h->findChildren<QLabel*>()) texts << l->text();
+  QVERIFY(texts.contains("First 5 collumns:"));
+  QVERIFY(texts.contains(
+      "is one of the followings: \"T---\", \"MT---\", \"(T)---\", \"(t)---\", \"---(T)\", or "
+      "\"---(t)\"."));
+  QCOMPARE(texts.count("(Cordinates must be given in decimal values. )"), 2);
+  QStringList frames;
+  for (QGroupBox* g : h->findChildren<QGroupBox*>()) frames << g->title();
+  QVERIFY(frames.contains(" Reference data file format"));
+  QVERIFY(frames.contains(" Target data file format"));
+}
+
+void TestFrmLuvane::closeHidesAndUnloadClosesTheOthers() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  t.Click(t.session.Interp.InterpRefLon(1), t.session.Interp.InterpRefLat(1));
+  t.lv->mnuHelp->trigger();
+  t.mat->Command8->setEnabled(false);
+  t.lv->Command4->click();
+  QVERIFY(!t.lv->isVisible());
+  QVERIFY(t.mat->Command8->isEnabled());
+  t.lv->show();
+  t.lv->close();
+  QVERIFY(!t.lv->Magnifier()->isVisible());
+  QVERIFY(!t.lv->Correl()->isVisible());
+  QVERIFY(!t.lv->Help()->isVisible());
+  QVERIFY(!t.session.Interp.InterpWindowOpen);
+  QVERIFY(!t.session.Interp.InterpCorrelOpen);
+}
+
+void TestFrmLuvane::quitClosesTheInterpolationWindows() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  t.window->QuitProgram();
+  QVERIFY(!t.lv->isVisible());
+  QVERIFY(!t.session.Interp.InterpWindowOpen);
+  QVERIFY(!t.lv->Correl()->isVisible());
+}
+
+void TestFrmLuvane::progressRunsOverTargetsAndStations() {
+  Tool t;
+  t.BothFiles();
+  int maximum = -1;
+  QProgressBar* bar = t.lv->ProgressBar1;
+  QObject::connect(bar, &QProgressBar::valueChanged,
+                   [&](int) { maximum = std::max(maximum, bar->maximum()); });
+  t.lv->Command3->click();
+  QCOMPARE(maximum, t.session.Interp.InterpRefCount + t.session.Interp.InterpTargetCount);
+  QVERIFY(!t.lv->ProgressBar1->isVisible());
+  QCOMPARE(t.lv->ProgressBar1->value(), 0);
+}
+
+void TestFrmLuvane::minimumDistanceIgnoresTheExponent() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Option1[0]->click();
+  t.lv->Combo1->setEditText("-1");
+  t.lv->Command3->click();
+  const Array2<double> first = t.session.Interp.InterpTargetEstimate;
+  const Array2<double> stations = t.session.Interp.InterpRefEstimate;
+  t.lv->Combo1->setEditText("7");
+  t.lv->Command3->click();
+  const InterpolationState& in = t.session.Interp;
+  for (long i = 1; i <= in.InterpTargetCount; ++i)
+    for (long k = 6; k <= in.InterpColumnCount; ++k)
+      QCOMPARE(in.InterpTargetEstimate(i, k), first(i, k));
+  for (long i = 1; i <= in.InterpRefCount; ++i)
+    QCOMPARE(in.InterpRefEstimate(i, 6), stations(i, 6));
+  // In the other mode the exponent changes the estimates.
+  t.lv->Option1[1]->click();
+  t.lv->Command3->click();
+  bool differs = false;
+  for (long i = 1; i <= in.InterpTargetCount; ++i)
+    if (in.InterpTargetEstimate(i, 6) != first(i, 6)) differs = true;
+  QVERIFY(differs);
+}
+
+void TestFrmLuvane::reopensForInspectionAfterReturn() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  t.lv->Command1->click();
+  QCoreApplication::processEvents();
+  t.lv->close();
+  QVERIFY(t.mat->Command8->isEnabled());
+  t.mat->Command8->click();
+  QVERIFY(t.lv->isVisible());
+  const InterpolationState& in = t.session.Interp;
+  QCOMPARE(t.lv->Text2[0]->text(), QString::number(in.MinLon));
+  QCOMPARE(t.lv->Text1[1]->text(), QString::number(in.MaxLat));
+  for (QWidget* w : std::initializer_list<QWidget*>{
+           t.lv->Command0, t.lv->Command1, t.lv->Command2, t.lv->Command4, t.lv->Option1[0],
+           t.lv->Option1[1], t.lv->Combo1, t.lv->Combo2, t.lv->Text3})
+    QVERIFY(!w->isEnabled());
+  QVERIFY(t.lv->Command3->isEnabled());
+  // The map is drawn again with the stations and targets.
+  QVERIFY(Near(t.Map(), in.InterpRefLon(3), in.InterpRefLat(3), kGreen, 0));
+  int yellow = 0;
+  for (long i = 1; i <= in.InterpTargetCount; ++i)
+    if (Near(t.Map(), in.SiteLongitude(i), in.SiteLatitude(i), kYellow, 0)) ++yellow;
+  QVERIFY(yellow > in.InterpTargetCount / 2);
+  QVERIFY(in.InterpWindowOpen);
+  // The files count as not read in this window: a click opens no magnifier.
+  QVERIFY(!in.InterpRefLoaded);
+  QVERIFY(!in.InterpTargetLoaded);
+  const QImage before = t.Map().Image().copy();
+  t.Click(in.InterpRefLon(3), in.InterpRefLat(3));
+  QCOMPARE(t.Map().Image(), before);
+}
+
+void TestFrmLuvane::mapWiderThanTheScreenShrinksWithItsShape() {
+  Tool t;
+  // Stations round the globe within 20 degrees of latitude.
+  std::string table = "St,Lon,Lat,Alt,TL,PL,TJan\r\n";
+  table += "A,-180,-10,0,-0.5,30,5\r\nB,180,10,0,-0.5,30,6\r\nC,0,0,0,-0.5,30,7\r\n";
+  t.ImportStations(t.Write("round.csv", QByteArray::fromStdString(table)));
+  const QRect screen = AvailableArea(t.lv);
+  // 360 by 20 degrees at the designed height of 360 pixels would be 6480
+  // pixels wide: the map takes the screen's width less the controls.
+  QVERIFY(t.lv->Picture1->height() < 360);
+  QCOMPARE(t.lv->Picture1->width(), screen.width() - (4450 + 7) / 15);
+  QVERIFY(t.lv->width() <= screen.width());
+  const double perLon = t.lv->Picture1->width() / 360.0;
+  const double perLat = t.lv->Picture1->height() / 20.0;
+  QVERIFY(std::abs(perLon - perLat) < 0.06);
+}
+
+void TestFrmLuvane::boundsBoxesAreReadAtTheNextRedraw() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Text2[0]->setText("0");
+  t.lv->Text1[0]->setText("45");
+  const InterpolationState& in = t.session.Interp;
+  t.Click(in.InterpRefLon(1), in.InterpRefLat(1));
+  QCOMPARE(t.Map().ScaleLeft(), 0.0);
+  QCOMPARE(t.Map().ScaleTop() + t.Map().ScaleHeight(), 45.0);
+}
+
+void TestFrmLuvane::flatColumnKeepsTheCoefficient() {
+  Tool t;
+  // TJan varies, Flat is 5 at every station at sea level.
+  std::string table = "St,Lon,Lat,Alt,TL,PL,TJan,Flat\r\n";
+  demo::Lcg g(3);
+  for (int j = 1; j <= 120; ++j) {
+    const double lon = 10 * g.Next(), lat = 40 + 10 * g.Next();
+    table += "S" + std::to_string(j) + "," + demo::Cell(lon) + "," + demo::Cell(lat) +
+             ",0,-0.5,30," + demo::Cell(demo::TJan(lon, lat, 0)) + ",5\r\n";
+  }
+  t.ImportStations(t.Write("flat.csv", QByteArray::fromStdString(table)));
+  t.ImportTargets(t.targets);
+  t.lv->Command3->click();
+  frmLuvaneCorrel* c = t.lv->Correl();
+  const QString shown = c->Label3->text();
+  QVERIFY(!shown.isEmpty());
+  emit c->Combo1->textActivated("Flat");
+  QCOMPARE(t.session.Interp.InterpCurrentParam, Count{7});
+  QCOMPARE(c->Text1[0]->text().toDouble(), 5.0);
+  QVERIFY(c->Text1[1]->text().toDouble() - 5 <= 5);
+  QCOMPARE(c->Label3->text(), shown);
+}
+
+void TestFrmLuvane::parameterChosenInReconstructionFollowsInTheScatter() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  t.lv->Command1->click();
+  QCoreApplication::processEvents();
+  t.lv->Command3->click();  // the scatter open again beside the reconstruction
+  QVERIFY(t.session.Interp.InterpCorrelOpen);
+  t.mat->Combo1->setCurrentIndex(1);
+  emit t.mat->Combo1->activated(1);
+  QCOMPARE(t.lv->Correl()->Combo1->currentText(), QString("TJul"));
+  QCOMPARE(t.session.Interp.InterpCurrentParam, Count{1});
+}
+
+void TestFrmLuvane::cancelledTargetDialogEndsQuietly() {
+  Tool t;
+  t.ImportStations(t.stations);
+  t.lv->Command2->click();  // no file name: the dialog was cancelled
+  QVERIFY(t.lv->Command2->isEnabled());
+  QVERIFY(!t.lv->Command3->isEnabled());
+  QVERIFY(t.dialogs.Messages.empty());
+}
+
+void TestFrmLuvane::copyPutsTheMapAndTheScatterOnTheClipboard() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  QApplication::clipboard()->clear();
+  t.lv->mnuCopyMap->trigger();
+  QCOMPARE(QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
+           t.Map().Image().convertToFormat(QImage::Format_RGB32));
+  frmLuvaneCorrel* c = t.lv->Correl();
+  c->mnuCopyScatter->trigger();
+  QCOMPARE(QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
+           c->Picture3->surface().Image().convertToFormat(QImage::Format_RGB32));
+}
+
+void TestFrmLuvane::lonelyStationBeyondAnyRadiusEndsAtTheBoundary() {
+  Tool t;
+  // Two stations at one place have no other station at non-zero distance:
+  // in minimum distance mode with a huge radius the nearest stays missing
+  // and is read.
+  t.ImportStations(t.Write(
+      "twin.csv", "St,Lon,Lat,Alt,TL,PL,TJan\r\nA,10,45,0,-0.5,30,5\r\nB,10,45,0,-0.5,30,6\r\n"));
+  QVERIFY(t.session.Interp.InterpRefLoaded);
+  t.ImportTargets(t.targets);
+  t.lv->Option1[0]->click();
+  t.lv->Text3->setText("99999");
+  t.lv->Command3->click();
+  QCOMPARE(t.dialogs.Messages.size(), std::size_t(1));
+  QCOMPARE(t.dialogs.Messages[0].Title, std::string("Error"));
+  QVERIFY(!t.lv->ProgressBar1->isVisible());
+  QVERIFY(QApplication::overrideCursor() == nullptr);
+  QVERIFY(!t.lv->Command1->isEnabled());
+  QVERIFY(t.lv->isVisible());
+}
+
+void TestFrmLuvane::hoverOnTheMagnifierNamesAndShowsTheReach() {
+  Tool t;
+  t.BothFiles();
+  const InterpolationState& in = t.session.Interp;
+  const double lon = in.SiteLongitude(4), lat = in.SiteLatitude(4);
+  t.Click(lon, lat);
+  frmLuvaneMag* mag = t.lv->Magnifier();
+  Surface& m = mag->Picture2->surface();
+  QVERIFY(Near(m, lon, lat, kYellow, 0) || Near(m, lon, lat, kGreen, 0));
+  const QPointF px = m.ToPixel(lon, lat) + QPointF(mag->Picture2->Origin());
+  QMouseEvent move(QEvent::MouseMove, px, mag->Picture2->mapToGlobal(px), Qt::NoButton,
+                   Qt::NoButton, Qt::NoModifier);
+  QApplication::sendEvent(mag->Picture2, &move);
+  QCOMPARE(mag->Picture2->toolTip(), QString::fromStdString(in.SiteMapNames(4)));
+  QVERIFY(Near(m, lon, lat, kRed, 0));
+  // The radius line runs out of the magnifier to the right.
+  QVERIFY(Near(m, lon + 0.9, lat, kRed, 0));
+  // The map's foreground follows: cleared, with nothing red at the target.
+  QVERIFY(!Near(t.Map(), lon, lat + 3, kRed, 1));
+}
+
+void TestFrmLuvane::editedScatterBoundsRedrawTheScatter() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  frmLuvaneCorrel* c = t.lv->Correl();
+  c->Text1[1]->setText("50");
+  QCOMPARE(c->Label1[1]->text(), QString("50"));
+  QCOMPARE(c->Picture3->surface().ScaleTop(), 50.0);
+  c->Text1[0]->setText("-50");
+  QCOMPARE(c->Label1[0]->text(), QString("-50"));
+  QCOMPARE(c->Picture3->surface().ScaleLeft(), -50.0);
+  QCOMPARE(c->Picture3->surface().ScaleWidth(), 100.0);
+}
+
+void TestFrmLuvane::calibrationTakesTheStationPairsOfTheParameter() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  t.lv->Command1->click();
+  QCoreApplication::processEvents();
+  // The second parameter in the reconstruction, then its error model.
+  t.mat->Combo1->setCurrentIndex(1);
+  emit t.mat->Combo1->activated(1);
+  t.mat->Command3->click();
+  t.mat->Command6->click();
+  QCoreApplication::processEvents();
+  frmCalib* cal = t.mat->CalibWindow();
+  QVERIFY(cal && cal->isVisible());
+  const InterpolationState& in = t.session.Interp;
+  const CalibState& c = *t.mat->Calib();
+  // Pair set 1 is TJul's column of the stations, found by its name.
+  for (long r = 1; r <= in.InterpRefCount; ++r) {
+    QCOMPARE(c.PairData(1, r, 1), static_cast<float>(in.InterpRefEstimate(r, 7)));
+    QCOMPARE(c.PairData(1, r, 2), static_cast<float>(in.InterpRefClimate(r, 7)));
+  }
+  // N1 is the count of the accuracy check.
+  QCOMPARE(cal->Label12[1]->text(), QString::number(in.InterpPairCount));
+  QVERIFY(in.InterpPairCount > 250);
+}
+
+QTEST_MAIN(TestFrmLuvane)
+#include "tst_frmLuvane.moc"
