@@ -21,6 +21,7 @@
 
 #include "interpolation/StationImport.h"
 #include "state/Format.h"
+#include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/WindowPlacement.h"
 #include "ui/frmLuvaneCorrel.h"
@@ -149,6 +150,9 @@ void frmLuvane::BuildControls() {
     help_->raise();
   });
   connect(mnuCopyMap, &QAction::triggered, this, [this] { Picture1->surface().CopyToClipboard(); });
+  AddSavePictureEntry(
+      mnuRBTag, "mnuSavePictureMap", dialogs_, boundary_,
+      [this]() -> const Surface& { return Picture1->surface(); }, mnuCopyMap);
   connect(Picture1, &PictureBox::RightPressed, this,
           [this](const QPoint& at) { mnuRBTag->popup(at); });
   connect(Picture1, &PictureBox::LeftPressed, this, [this](const QPointF& pixel) {

@@ -12,6 +12,7 @@
 
 #include "interpolation/Accuracy.h"
 #include "state/Format.h"
+#include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/WindowPlacement.h"
 #include "ui/frmCalib.h"
@@ -81,6 +82,9 @@ frmLuvaneCorrel::frmLuvaneCorrel(Session& session, Dialogs& dialogs, frmMAT& mat
   connect(mnuSave, &QAction::triggered, this, [this] { SaveMatrix(); });
   connect(mnuCopyScatter, &QAction::triggered, this,
           [this] { Picture3->surface().CopyToClipboard(); });
+  AddSavePictureEntry(
+      RightButton, "mnuSavePictureScatter", dialogs_, boundary_,
+      [this]() -> const Surface& { return Picture3->surface(); }, mnuCopyScatter);
 }
 
 void frmLuvaneCorrel::Open() {

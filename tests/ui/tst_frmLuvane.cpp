@@ -144,6 +144,7 @@ class TestFrmLuvane : public QObject {
   void parameterChosenInReconstructionFollowsInTheScatter();
   void cancelledTargetDialogEndsQuietly();
   void copyPutsTheMapAndTheScatterOnTheClipboard();
+  void mapAndScatterSaveAsPictures();
   void lonelyStationBeyondAnyRadiusEndsAtTheBoundary();
   void hoverOnTheMagnifierNamesAndShowsTheReach();
   void editedScatterBoundsRedrawTheScatter();
@@ -807,6 +808,53 @@ void TestFrmLuvane::copyPutsTheMapAndTheScatterOnTheClipboard() {
   c->mnuCopyScatter->trigger();
   QCOMPARE(QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
            c->Picture3->surface().Image().convertToFormat(QImage::Format_RGB32));
+}
+
+// "Save Picture As..." draws the map again at the chosen size: the coast and
+// the green station discs stand at twice their places in a 2x PNG, and the
+// SVG holds the coastline as vector lines.
+void TestFrmLuvane::mapAndScatterSaveAsPictures() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  auto* entry = t.lv->findChild<QAction*>("mnuSavePictureMap");
+  QVERIFY(entry && entry->isEnabled());
+  const QString png = t.folder.path() + "/map.png";
+  t.dialogs.SaveNames.push_back(png.toStdString());
+  t.dialogs.SaveChoices.push_back(1);
+  entry->trigger();
+  const QImage big(png);
+  const QImage& map = t.Map().Image();
+  QCOMPARE(big.size(), map.size() * 2);
+  int green = 0, kept = 0;
+  for (int y = 0; y < map.height(); ++y)
+    for (int x = 0; x < map.width(); ++x)
+      if ((map.pixel(x, y) & 0xFFFFFF) == 0x00FF00) {
+        ++green;
+        if ((big.pixel(2 * x + 1, 2 * y + 1) & 0xFFFFFF) == 0x00FF00) ++kept;
+      }
+  QVERIFY(green > 20);
+  QVERIFY2(kept > green * 9 / 10, qPrintable(QString("%1 of %2").arg(kept).arg(green)));
+  const QString svg = t.folder.path() + "/map.svg";
+  t.dialogs.SaveNames.push_back(svg.toStdString());
+  t.dialogs.SaveChoices.push_back(3);
+  entry->trigger();
+  QFile file(svg);
+  QVERIFY(file.open(QIODevice::ReadOnly));
+  const QByteArray text = file.readAll();
+  QVERIFY(text.startsWith("<?xml"));
+  QVERIFY(text.count("<polyline") + text.count("<path") + text.count("<line") > 1000);
+  frmLuvaneCorrel* c = t.lv->Correl();
+  auto* scatter = c->findChild<QAction*>("mnuSavePictureScatter");
+  QVERIFY(scatter && scatter->isEnabled());
+  const QString pdf = t.folder.path() + "/accuracy.pdf";
+  t.dialogs.SaveNames.push_back(pdf.toStdString());
+  t.dialogs.SaveChoices.push_back(4);
+  scatter->trigger();
+  QFile pdfFile(pdf);
+  QVERIFY(pdfFile.open(QIODevice::ReadOnly));
+  QVERIFY(pdfFile.readAll().startsWith("%PDF-"));
+  QVERIFY(t.dialogs.Messages.empty());
 }
 
 void TestFrmLuvane::lonelyStationBeyondAnyRadiusEndsAtTheBoundary() {
