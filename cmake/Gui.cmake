@@ -49,7 +49,7 @@ endif()
 
 # The world coastline of the interpolation map, found in the source tree
 # when the program is not installed.
-foreach(target varnoth_ui varnoth_gui_bench)
+foreach(target varnoth_ui varnoth_gui_bench varnoth-batch)
   if(TARGET ${target})
     target_compile_definitions(${target} PRIVATE
       VARNOTH_COASTLINE="${PROJECT_SOURCE_DIR}/data/coastline.csv")

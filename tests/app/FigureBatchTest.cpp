@@ -152,6 +152,49 @@ TEST_F(FigureBatch, OnlyTheFiguresOfWhatRan) {
                                    "diagram-eof-curve.svg", "diagram-taxa-names.svg"}));
 }
 
+// The calibration tool's eight figures and the chart of the calibrated
+// parameter, as the window shows them after "Start".
+TEST_F(FigureBatch, CalibrationFiguresAndChart) {
+  const BatchResult r = RunBatchProgram(
+      {"--reference", Examples("reference.csv"), "--fossil", Examples("fossil.csv"), "--climate",
+       Examples("climate.csv"), "--calibrate", "SumSST", "--out", "out", "--figures", "figs",
+       "--figure-format", "png"},
+      dir.Path(""));
+  ASSERT_EQ(r.ExitCode, 0) << r.Err;
+  const std::set<std::string> files = FilesIn(dir.Path("figs"));
+  for (int f = 1; f <= 8; ++f) {
+    const std::string name = "calibration-fig" + std::to_string(f) + ".png";
+    ASSERT_TRUE(files.count(name)) << name;
+    EXPECT_EQ(PngSize(ReadFile(dir.Path("figs/" + name))), std::make_pair(400, 400)) << name;
+  }
+  EXPECT_EQ(PngSize(ReadFile(dir.Path("figs/calibration-chart.png"))), std::make_pair(802, 802));
+  EXPECT_EQ(PngSize(ReadFile(dir.Path("figs/calibration-chart-section.png"))),
+            std::make_pair(240, 802));
+  // The matrix figures are bigger files than the blank one of the second
+  // pair set, which a generated model leaves empty.
+  EXPECT_GT(ReadFile(dir.Path("figs/calibration-fig8.png")).size(),
+            2 * ReadFile(dir.Path("figs/calibration-fig2.png")).size());
+}
+
+// The interpolation map over the bounds of the station table, its
+// coastline as vector lines.
+TEST_F(FigureBatch, InterpolationMap) {
+  const std::string data = std::string(VARNOTH_TEST_DATA) + "/interpolation/";
+  const BatchResult r = RunBatchProgram(
+      {"--reference", Examples("reference.csv"), "--stations", data + "stations.csv", "--targets",
+       data + "targets.csv", "--out", "out", "--figures", "figs"},
+      dir.Path(""));
+  ASSERT_EQ(r.ExitCode, 0) << r.Err;
+  ASSERT_TRUE(FilesIn(dir.Path("figs")).count("map.svg"));
+  const std::string svg = ReadFile(dir.Path("figs/map.svg"));
+  EXPECT_TRUE(WellFormedSvg(svg));
+  std::size_t lines = 0;
+  for (std::size_t at = svg.find("<polyline"); at != std::string::npos;
+       at = svg.find("<polyline", at + 1))
+    ++lines;
+  EXPECT_GT(lines, 100u);
+}
+
 TEST_F(FigureBatch, WithoutFiguresNoPictureIsWritten) {
   const BatchResult r =
       RunBatchProgram({"--reference", Examples("reference.csv"), "--out", "out"}, dir.Path(""));

@@ -4,10 +4,13 @@
 // steps do not touch the runner's core.
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "calibration/CalibState.h"
+#include "calibration/HistMatrix.h"
 #include "state/Dialogs.h"
 #include "state/ScoreFiles.h"
 #include "state/Session.h"
@@ -15,8 +18,8 @@
 namespace varnoth::batch {
 
 struct OptionSpec {
-  std::string Name;        // "--climate"
-  std::string ValueName;   // "FILE"; empty for a plain switch
+  std::string Name;       // "--climate"
+  std::string ValueName;  // "FILE"; empty for a plain switch
   std::string Help;
 };
 
@@ -56,12 +59,22 @@ struct UsageError {
 // The run stopped after the program showed its message: exit code 1.
 struct RunStopped {};
 
+// What the calibration step leaves for the figures: the matrix chain with
+// its settings and range, and the matrix down the core.
+struct CalibrationOutcome {
+  CalibState Chain;
+  CalibSettings Settings;
+  HistState Hist;
+  double T1 = 0, T2 = 0;
+};
+
 struct Context {
   Session& S;
   BatchDialogs& Dialogs;
   const Options& Opts;
   std::string OutDir;
   FileStamp Stamp;
+  std::shared_ptr<CalibrationOutcome> Calibration;  // set by --calibrate
   // Path of a file in the output folder.
   std::string Out(const std::string& file) const { return OutDir + "/" + file; }
 };

@@ -145,6 +145,8 @@ void RunCalibrationStep(Context& ctx) {
   Write(SaveTamsek(s, c, st, choices, h, curveSmoothing, t1, ctx.Stamp, ctx.Out("tamsek.csv"),
                    progress),
         ctx.Out("tamsek.csv"));
+  ctx.Calibration = std::make_shared<CalibrationOutcome>(
+      CalibrationOutcome{std::move(c), st, std::move(h), t1, t2});
 }
 
 const bool registered = RegisterStep(Step{

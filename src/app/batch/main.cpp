@@ -124,7 +124,7 @@ int main(int argc, char** argv) {
   BatchDialogs dialogs(options.Has("--accept-names"));
   Session session;
   try {
-    Context context{session, dialogs, options, options.Get("--out"), StampFrom(options)};
+    Context context{session, dialogs, options, options.Get("--out"), StampFrom(options), nullptr};
     std::filesystem::create_directories(context.OutDir);
     for (const Step& s : Steps())
       if (s.Applies(options)) s.Run(context);

@@ -2,6 +2,7 @@
 // figures offscreen, by the same functions and at the same sizes as its
 // window, into the folder of --figures. A figure in batch is a file, never
 // a window. Built only with the desktop program's drawing library.
+#include <QCoreApplication>
 #include <QGuiApplication>
 #include <cctype>
 #include <filesystem>
@@ -9,13 +10,17 @@
 #include <memory>
 
 #include "../batch/Batch.h"
+#include "calibration/FineGrid.h"
 #include "diagram/DiagramLayout.h"
+#include "presentation/CalibFigure.h"
 #include "presentation/Colours.h"
 #include "presentation/DiagramFigure.h"
+#include "presentation/MapFigure.h"
 #include "presentation/PictureFile.h"
 #include "presentation/ReconstructionFigure.h"
 #include "presentation/Scatter.h"
 #include "reconstruction/Curves.h"
+#include "state/Format.h"
 
 namespace varnoth::batch {
 namespace {
@@ -26,6 +31,9 @@ constexpr int kDiagramWidth = 686, kDiagramHeight = 505;  // the diagram window 
 constexpr int kEofWidth = 220, kNamesHeight = 110;
 constexpr int kCurveWidth = 137, kCurveHeight = 540;  // the reconstruction window
 constexpr long kTaxonWidthSlider = 10;                // the diagram's Slider3
+constexpr int kCalibFigure = 200;                     // the calibration tool's eight figures
+constexpr int kChartMain = 401, kChartSection = 120;  // the calibration chart
+constexpr int kMapHeight = 360;                       // the interpolation map's designed height
 
 // Drawing needs a GUI application; offscreen, so that no display is needed.
 void StartOffscreen() {
@@ -117,6 +125,78 @@ void DrawReconstructionFigures(Session& s, const ColourSettings& colours, Writer
   s.CurrentParameter = was;
 }
 
+// The calibration tool after "Start" with its default views: the two pair
+// scatters, Fig.3 to Fig.8 with the mode and average on Fig.8, and the chart
+// of the confidence regions opened from Fig.8.
+void DrawCalibrationFigures(const CalibrationOutcome& out, ColourSettings& colours, Writer& write) {
+  const CalibState& c = out.Chain;
+  const double z = 1;  // the reconstruction window's Z-enhancement at its default
+  for (int k = 0; k <= 1; ++k) {
+    Surface pic(kCalibFigure, kCalibFigure);
+    pic.SetScale(0, 0, kCalibCanvas, kCalibCanvas);
+    pic.SetBackColour(Qt::white);
+    DrawPairScatter(c, k, c.PairRows[static_cast<std::size_t>(k)], out.T1, out.T2,
+                    colours.CurveColour.ToQColor(), k == 1 && LenientParse(c.Labels.Label12[1]) > 1,
+                    pic);
+    write(pic, "calibration-fig" + std::to_string(k + 1));
+  }
+  CalibImages images(colours, [z] { return z; });
+  std::array<bool, 9> drawn{};
+  for (int f = 3; f <= 8; ++f) drawn[static_cast<std::size_t>(f)] = true;
+  RepaintCalibFigures(c, out.Settings, images, drawn, colours.GreyMode);
+  for (int pic = 0; pic < 6; ++pic) {
+    Surface s(kCalibFigure, kCalibFigure);
+    s.SetScale(0, 0, kCalibCanvas, kCalibCanvas);
+    s.SetBackColour(Qt::white);
+    ShowMatrixImage(images.Image(pic), s);
+    if (pic == 5) {
+      CalibShowMode(c, colours.GreyMode, s);
+      CalibShowAve(c, colours.GreyMode, s);
+    }
+    write(s, "calibration-fig" + std::to_string(pic + 3));
+  }
+  FineGrid fine;
+  PrepareChart(c, out.Settings, fine);
+  const long slider2 = std::lround(z * 100);
+  Surface chart(kChartMain, kChartMain);
+  chart.SetScale(0, 0, 400, 400);
+  chart.SetBackColour(Qt::white);
+  chart.DrawImage(0, 0, 400, 400, ChartImage(fine, true, slider2, colours));
+  ChartShowAve(fine, colours.GreyMode, chart);
+  ChartShowMode(fine, colours.GreyMode, chart);
+  write(chart, "calibration-chart");
+  Surface section(kChartSection, kChartMain);
+  DrawSectionProfile(fine, SectionColumn(0), slider2, colours.GreyMode, section);
+  write(section, "calibration-chart-section");
+}
+
+// The interpolation map with the bounds of the station table: coastline,
+// stations, target sites and the sites left without data.
+void DrawMapFigure(const Session& s, Writer& write) {
+  const InterpolationState& in = s.Interp;
+  const double lonSpan = in.MaxLon - in.MinLon, latSpan = in.MaxLat - in.MinLat;
+  if (!in.InterpRefLoaded || lonSpan <= 0 || latSpan <= 0) return;
+  const int width = std::max(1, static_cast<int>(std::lround(lonSpan * kMapHeight / latSpan)));
+  std::vector<std::string> coastlines;
+  const QString self = QCoreApplication::applicationDirPath();
+  if (!self.isEmpty())
+    coastlines.push_back((self + "/../share/varnoth/coastline.csv").toStdString());
+  coastlines.push_back("data/coastline.csv");
+#ifdef VARNOTH_COASTLINE
+  coastlines.push_back(VARNOTH_COASTLINE);
+#endif
+  Surface map(width, kMapHeight);
+  SetMapScale(map, in.MinLat, in.MaxLat, in.MinLon, in.MaxLon);
+  map.SetBackColour(Qt::white);
+  DrawCoastline(map, WorldCoastline(coastlines), [](int) {});
+  DrawStations(map, in, kMapMark);
+  if (in.InterpTargetLoaded) {
+    DrawTargets(map, in, kMapMark);
+    if (s.ClimateLoaded) DrawNoDataTargets(map, s, kMapMark);
+  }
+  write(map, "map");
+}
+
 void Run(Context& c) {
   StartOffscreen();
   Session& s = c.S;
@@ -132,7 +212,11 @@ void Run(Context& c) {
   const bool coreScored = s.ProjectionDone || (s.EofDone && s.FossilIsBase);
   if (coreScored && s.FossilSampleCount > 0)
     DrawDiagramFigures(s, colours, c.Opts.Has("--coniss"), write);
-  if (s.ReconstructionOpen || s.ClimateLoaded) DrawReconstructionFigures(s, colours, write);
+  // Climate without a core (interpolated onto the sites alone) has no curve.
+  if (s.ClimateLoaded && coreScored && s.FossilSampleCount > 0)
+    DrawReconstructionFigures(s, colours, write);
+  if (c.Calibration) DrawCalibrationFigures(*c.Calibration, colours, write);
+  DrawMapFigure(s, write);
 }
 
 const bool registered = RegisterStep(Step{
