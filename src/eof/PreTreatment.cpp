@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "eof/Eigen.h"
+#include "state/Finite.h"
 
 namespace varnoth {
 
@@ -32,6 +33,8 @@ static void PercentageStep(const Array2<double>& data, Array2<double>& proportio
     proportion(i, 0) = sum;
     for (long j = 1; j <= taxa; ++j) proportion(i, j) = sum == 0 ? 0 : data(i, j) / sum;
   }
+  // Row sums of huge values overflow here, before anything is analysed.
+  RequireFinite(proportion);
 }
 
 void ApplyPreTreatment(Session& s, const PreTreatmentSettings& settings, Progress& progress) {
@@ -50,6 +53,7 @@ void ApplyPreTreatment(Session& s, const PreTreatmentSettings& settings, Progres
     const Array2<double>& from = s.ReferenceIsBase ? s.RefProportion : s.FossilProportion;
     for (long i = 1; i <= s.RefSiteCount; ++i)
       for (long j = 1; j <= s.RefTaxaCount; ++j) target(i, j) = EnhanceValue(from(i, j), settings);
+    RequireFinite(target);
   }
   RunEofAnalysis(s, progress);
 }
@@ -67,6 +71,7 @@ static void EnhancementStep(Array2<double>& data, const Array2<double>& proporti
     for (long j = 1; j <= taxa; ++j)
       data(i, j) =
           settings.Enhance ? EnhanceValue(proportion(i, j), settings) : proportion(i, j) * 100;
+  RequireFinite(data);
 }
 
 void FossilEnhancementStep(Session& s) {
