@@ -5,6 +5,7 @@
 
 #include "state/CellReader.h"
 #include "state/Format.h"
+#include "state/ReadProblem.h"
 
 namespace varnoth {
 
@@ -22,10 +23,15 @@ struct ClimateAbort {
 // name as column 1; 0 where not known.
 struct ClimateWhere {
   bool header = false, rows = false;
-  long row = 0, column = 0;
+  long row = 0, column = 0, cell = 0;
   void At(long r, long c) {
     row = r;
     column = c;
+    cell = 0;
+  }
+  void AtCell(long k) {
+    row = column = 0;
+    cell = k;
   }
 };
 
@@ -58,14 +64,14 @@ void ReadClimate(Session& s, const std::string& path, Dialogs& dialogs, ClimateW
   Array1<std::string> list(kCellListUpper);
   long n = 0;
   for (;;) {
-    where.At(0, n + 1);
+    where.AtCell(n + 1);
     std::string_view cell = in.Next();
     list(n) = std::string(cell);
     ++n;
     if (IsNumberCell(cell)) break;
   }
   for (long i = n; i <= 2 * n - 4; ++i) {
-    where.At(0, i + 1);
+    where.AtCell(i + 1);
     list(i) = std::string(in.Next());
   }
   where.header = false;
@@ -173,9 +179,8 @@ std::string Explain(FailureKind kind, const ClimateWhere& where) {
 }
 
 std::string Place(const std::string& what, const std::string& file, const ClimateWhere& where) {
-  std::string text = what + " in " + file;
-  if (where.row > 0) text += ", row " + std::to_string(where.row);
-  if (where.column > 0) text += ", column " + std::to_string(where.column);
+  std::string text = ReadProblemText(what, file, where.row, where.column, where.cell);
+  if (where.header) text += FileKindHint(file);
   return text;
 }
 

@@ -6,6 +6,7 @@
 #include "eof/Projection.h"
 #include "state/CellReader.h"
 #include "state/Format.h"
+#include "state/ReadProblem.h"
 
 namespace varnoth {
 
@@ -26,10 +27,15 @@ struct ImportAbort {
 // spreadsheet shows them; 0 where the place is not known.
 struct Where {
   enum Stage { Reading, Header, Rows, Checking, Treating } stage = Reading;
-  long row = 0, column = 0;
+  long row = 0, column = 0, cell = 0;
   void At(long r, long c) {
     row = r;
     column = c;
+    cell = 0;
+  }
+  void AtCell(long k) {
+    row = column = 0;
+    cell = k;
   }
 };
 
@@ -130,14 +136,14 @@ void RunImport(Session& s, const Target& t, const std::optional<std::string>& pa
   long k = 0;
   where.stage = Where::Header;
   for (;;) {
-    where.At(0, k + 1);
+    where.AtCell(k + 1);
     std::string_view cell = in.Next();
     buffer(k) = std::string(cell);
     ++k;
     if (IsNumberCell(cell)) break;
   }
   for (long i = k; i <= 2 * k - 4; ++i) {
-    where.At(0, i + 1);
+    where.AtCell(i + 1);
     buffer(i) = std::string(in.Next());
   }
   where.stage = Where::Rows;
@@ -281,9 +287,8 @@ std::string Explain(const RuntimeFailure& e, const Where& where) {
 }
 
 std::string Place(const std::string& what, const std::string& file, const Where& where) {
-  std::string text = what + " in " + file;
-  if (where.row > 0) text += ", row " + std::to_string(where.row);
-  if (where.column > 0) text += ", column " + std::to_string(where.column);
+  std::string text = ReadProblemText(what, file, where.row, where.column, where.cell);
+  if (where.stage == Where::Header) text += FileKindHint(file);
   return text;
 }
 
