@@ -199,15 +199,22 @@ void RunImport(Session& s, const Target& t, const std::optional<std::string>& pa
     } else {
       std::string_view label = in.Next();
       labels(r) = text ? std::string(label) : NormalisedLabel(label);
-      for (long j = 1; j <= n; ++j) {
-        bool empty;
-        where.At(r + 1, j + 1);
-        v[j] = in.NextLenient(empty);
-        if (empty) {
-          v[j] = kMissing;
-          dialogs.Message("Blanc cell detected.", "Error");
-          throw ImportAbort{"An empty cell"};
+      // The column is noted only when the row fails: this loop reads
+      // nearly every cell of a table.
+      long j = 1;
+      try {
+        for (; j <= n; ++j) {
+          bool empty;
+          v[j] = in.NextLenient(empty);
+          if (empty) {
+            v[j] = kMissing;
+            dialogs.Message("Blanc cell detected.", "Error");
+            throw ImportAbort{"An empty cell"};
+          }
         }
+      } catch (...) {
+        where.column = j + 1;
+        throw;
       }
     }
   }
