@@ -4,7 +4,7 @@
 BUILD ?= build
 JOBS ?= $(shell nproc)
 
-.PHONY: deps build run test unit bench sanitize fuzz batch shots format clean
+.PHONY: deps build run test unit bench sanitize fuzz batch shots shots-x11 format clean
 
 deps:
 	@scripts/install-deps.sh
@@ -33,9 +33,17 @@ bench: build
 	$(BUILD)/bench/varnoth_bench
 	$(BUILD)/varnoth_gui_bench
 
-# Pictures of the windows after a scripted analysis, drawn offscreen.
+# Pictures of the windows after a scripted analysis, drawn offscreen;
+# with X11=1 also the road on a real display (see shots-x11).
 shots: build
 	QT_QPA_PLATFORM=offscreen $(BUILD)/varnoth-shots shots
+	@if [ "$(X11)" = "1" ]; then scripts/shots-x11.sh $(BUILD) shots-x11; fi
+
+# The road of one analysis on a real X display with a window manager
+# (Xvfb, openbox, xdotool, installed when missing), driven by keys and
+# clicks: pictures of the whole 1280 x 1024 screen in shots-x11/.
+shots-x11: build
+	scripts/shots-x11.sh $(BUILD) shots-x11
 
 # The whole test suite under AddressSanitizer and UndefinedBehaviorSanitizer.
 sanitize: deps

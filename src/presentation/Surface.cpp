@@ -15,9 +15,10 @@ namespace {
 constexpr double kDotsPerInch = 96.0;
 constexpr int kDotsPerMeter = 3780;
 
-QFont FigureFont(double points) {
+QFont FigureFont(double points, bool bold = false) {
   QFont font(QStringLiteral("DejaVu Sans"));
   font.setPixelSize(std::max(1, static_cast<int>(std::lround(points * kDotsPerInch / 72.0))));
+  font.setBold(bold);
   return font;
 }
 }  // namespace
@@ -57,7 +58,7 @@ QPainter& Surface::Painter() {
   if (!painter_) {
     painter_ = std::make_unique<QPainter>(&image_);
     painter_->setRenderHint(QPainter::Antialiasing, antialias_);
-    painter_->setFont(FigureFont(fontPoints_));
+    painter_->setFont(FigureFont(fontPoints_, bold_));
   }
   return *painter_;
 }
@@ -76,9 +77,17 @@ void Surface::SetBackColour(const QColor& colour) {
   image_.fill(back_);
 }
 
+void Surface::SetFontBold(bool bold) {
+  if (bold == bold_) return;
+  bold_ = bold;
+  if (painter_) painter_->setFont(FigureFont(fontPoints_, bold_));
+  // The laid-out texts keep the weight they were laid out with.
+  staticText_.clear();
+}
+
 void Surface::SetFontSize(double points) {
   fontPoints_ = points;
-  QFont font = FigureFont(points);
+  QFont font = FigureFont(points, bold_);
   ascent_ = QFontMetricsF(font).ascent();
   if (painter_ && painter_->font() != font) painter_->setFont(font);
   if (points != staticPoints_) {
@@ -89,9 +98,57 @@ void Surface::SetFontSize(double points) {
 
 void Surface::Line(double x1, double y1, double x2, double y2, const QColor& colour) {
   QPainter& p = Painter();
-  if (p.pen().color() != colour || p.pen().width() != 1 || p.pen().style() != Qt::SolidLine)
-    p.setPen(QPen(colour, 1));
+  if (p.pen().color() != colour || p.pen().width() != drawWidth_ ||
+      p.pen().style() != Qt::SolidLine)
+    p.setPen(QPen(colour, drawWidth_));
   p.drawLine(ToPixel(x1, y1), ToPixel(x2, y2));
+}
+
+void Surface::Ring(double x, double y, double r, const QColor& colour) {
+  const int radius = static_cast<int>(std::lround(std::abs(r * image_.width() / width_)));
+  if (radius != ringRadius_) {
+    // The midpoint circle, one pixel wide, worked out once per radius.
+    ringRadius_ = radius;
+    ringOffsets_.clear();
+    int dx = radius, dy = 0, error = 1 - radius;
+    while (dx >= dy) {
+      for (const QPoint& p : {QPoint(dx, dy), QPoint(dy, dx), QPoint(-dy, dx), QPoint(-dx, dy),
+                              QPoint(-dx, -dy), QPoint(-dy, -dx), QPoint(dy, -dx), QPoint(dx, -dy)})
+        if (std::find(ringOffsets_.begin(), ringOffsets_.end(), p) == ringOffsets_.end())
+          ringOffsets_.push_back(p);
+      ++dy;
+      if (error < 0) {
+        error += 2 * dy + 1;
+      } else {
+        --dx;
+        error += 2 * (dy - dx) + 1;
+      }
+    }
+  }
+  Painter();  // keeps the order with what QPainter drew before
+  const QPointF centre = ToPixel(x, y);
+  // A mark far off the picture (a missing value) is not drawn at all.
+  if (!(std::abs(centre.x()) < 1e8 && std::abs(centre.y()) < 1e8)) return;
+  const int cx = static_cast<int>(std::floor(centre.x()));
+  const int cy = static_cast<int>(std::floor(centre.y()));
+  const int w = image_.width(), h = image_.height();
+  if (cx + radius < 0 || cx - radius >= w || cy + radius < 0 || cy - radius >= h) return;
+  uchar* bits = image_.bits();
+  const qsizetype stride = image_.bytesPerLine();
+  const QRgb value = colour.rgb() | 0xff000000u;
+  for (const QPoint& o : ringOffsets_) {
+    const int px = cx + o.x(), py = cy + o.y();
+    if (px >= 0 && py >= 0 && px < w && py < h)
+      reinterpret_cast<QRgb*>(bits + py * stride)[px] = value;
+  }
+}
+
+void Surface::Point(double x, double y, const QColor& colour) {
+  QPainter& p = Painter();
+  const QPointF at = ToPixel(x, y);
+  const int left = static_cast<int>(std::floor(at.x())) - (drawWidth_ - 1) / 2;
+  const int top = static_cast<int>(std::floor(at.y())) - (drawWidth_ - 1) / 2;
+  p.fillRect(QRect(left, top, drawWidth_, drawWidth_), colour);
 }
 
 void Surface::Box(double x1, double y1, double x2, double y2, const QColor& colour) {
@@ -193,7 +250,7 @@ void Surface::PrintRotated(double x, double y, const QString& text, const QColor
 }
 
 double Surface::TextWidth(const QString& text) const {
-  QFontMetricsF m(FigureFont(fontPoints_));
+  QFontMetricsF m(FigureFont(fontPoints_, bold_));
   return std::abs(m.horizontalAdvance(text) * width_ / image_.width());
 }
 

@@ -47,11 +47,21 @@ class Surface {
   void SetFillColour(const QColor& colour) { fill_ = colour; }
   void SetFontSize(double points);
   double FontSize() const { return fontPoints_; }
+  void SetFontBold(bool bold);
+  bool FontBold() const { return bold_; }
   void SetAntialiasing(bool on) { antialias_ = on; }
+  // The pen width of lines and points, in pixels; 1 unless a figure asks.
+  void SetDrawWidth(int pixels) { drawWidth_ = pixels < 1 ? 1 : pixels; }
+  int DrawWidth() const { return drawWidth_; }
 
   void Line(double x1, double y1, double x2, double y2, const QColor& colour);
   void Box(double x1, double y1, double x2, double y2, const QColor& colour);
   void FilledBox(double x1, double y1, double x2, double y2, const QColor& colour);
+  // A hollow circle of radius r in horizontal user units, one pixel wide,
+  // set directly on the raster: thousands of small marks a redraw.
+  void Ring(double x, double y, double r, const QColor& colour);
+  // One point, as wide as the pen.
+  void Point(double x, double y, const QColor& colour);
   // The radius is in horizontal user units; filled with the fill colour
   // when the fill style is solid.
   void Circle(double x, double y, double r, const QColor& colour);
@@ -90,12 +100,16 @@ class Surface {
   QColor back_ = Qt::white, fore_ = Qt::black, fill_ = Qt::black;
   FillStyle fillStyle_ = FillStyle::Transparent;
   double fontPoints_ = 8;
+  bool bold_ = false;
   double ascent_ = 0;
   QHash<QString, QStaticText> staticText_;  // laid-out names, per font size
   double staticPoints_ = 0;
   double discRadius_ = -1;
   std::vector<int> discSpans_;  // half-width of a mark per row from its centre
-  bool antialias_ = false;      // crisp marks, as on a plain raster
+  int ringRadius_ = -1;
+  std::vector<QPoint> ringOffsets_;  // the pixels of a ring around its centre
+  bool antialias_ = false;           // crisp marks, as on a plain raster
+  int drawWidth_ = 1;
 };
 
 }  // namespace varnoth

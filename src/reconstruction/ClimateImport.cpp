@@ -191,6 +191,7 @@ ClimateImportResult Inport_climate_data(Session& s, const std::optional<std::str
   ClimateImportResult result;
   if (s.ClimateLoaded) {
     result.Ok = result.AlreadyLoaded = true;
+    s.SiteInfoLoaded = false;
     return result;
   }
   if (!path) {
@@ -202,6 +203,8 @@ ClimateImportResult Inport_climate_data(Session& s, const std::optional<std::str
   try {
     ReadClimate(s, *path, dialogs, where);
     result.Ok = true;
+    // The climate in use is now the file's, not the interpolation tool's.
+    s.SiteInfoLoaded = false;
   } catch (const ClimateAbort& e) {
     result.Problem = Place(e.What, *path, where);
   } catch (const RuntimeFailure& e) {

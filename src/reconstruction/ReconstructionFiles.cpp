@@ -1,29 +1,10 @@
 #include "reconstruction/ReconstructionFiles.h"
 
-#include "state/RecordWriter.h"
+#include "state/RecordFile.h"
 
 namespace varnoth {
 
 namespace {
-
-// The common road of every save: progress over `rows`, the records, the
-// file, and progress hidden again whatever happened.
-template <typename Body>
-bool Save(const std::optional<std::string>& path, Progress& progress, long rows, Body body) {
-  if (!path) return false;
-  progress.Start(rows);
-  bool written = false;
-  try {
-    RecordWriter w;
-    body(w);
-    w.Save(*path);
-    written = true;
-  } catch (const RuntimeFailure&) {
-  }
-  progress.Step(0);
-  progress.Finish();
-  return written;
-}
 
 bool Missing(const Session& s, long k, long p) {
   return s.ReconValue(k, p) == kMissing || s.FossilEmptySample(k);
@@ -33,7 +14,7 @@ bool Missing(const Session& s, long k, long p) {
 
 bool SaveCurve(const Session& s, const std::optional<std::string>& path, Progress& progress) {
   const long p = s.CurrentParameter;
-  return Save(path, progress, s.FossilSampleCount, [&](RecordWriter& w) {
+  return SaveRecordFile(path, progress, s.FossilSampleCount, [&](RecordWriter& w) {
     w.Text("Depth").Text(s.ClimateParamNames(p)).End();
     for (long k = 1; k <= s.FossilSampleCount; ++k) {
       progress.Step(k);
@@ -49,7 +30,7 @@ bool SaveCurve(const Session& s, const std::optional<std::string>& path, Progres
 
 bool SaveCurveWithE(const Session& s, const std::optional<std::string>& path, Progress& progress) {
   const long p = s.CurrentParameter;
-  return Save(path, progress, s.FossilSampleCount, [&](RecordWriter& w) {
+  return SaveRecordFile(path, progress, s.FossilSampleCount, [&](RecordWriter& w) {
     w.Text("Depth").Text("Error (from)").Text(s.ClimateParamNames(p)).Text("Error (to)");
     w.Text("No. of Analogues").End();
     for (long k = 1; k <= s.FossilSampleCount; ++k) {
@@ -68,7 +49,7 @@ bool SaveCurveWithE(const Session& s, const std::optional<std::string>& path, Pr
 
 bool SaveCurveAll(const Session& s, const std::optional<std::string>& path, Progress& progress) {
   const long m = s.ClimateParamCount;
-  return Save(path, progress, s.FossilSampleCount, [&](RecordWriter& w) {
+  return SaveRecordFile(path, progress, s.FossilSampleCount, [&](RecordWriter& w) {
     w.Text("Depth");
     for (long q = 1; q <= m; ++q) w.Text(s.ClimateParamNames(q));
     w.End();
@@ -88,7 +69,7 @@ bool SaveCurveAll(const Session& s, const std::optional<std::string>& path, Prog
 bool SaveCurveAllwithE(const Session& s, const std::optional<std::string>& path,
                        Progress& progress) {
   const long m = s.ClimateParamCount;
-  return Save(path, progress, s.FossilSampleCount, [&](RecordWriter& w) {
+  return SaveRecordFile(path, progress, s.FossilSampleCount, [&](RecordWriter& w) {
     w.Text("Depth");
     for (long q = 1; q <= m; ++q) {
       const std::string& name = s.ClimateParamNames(q);
@@ -115,7 +96,7 @@ bool SaveCurveAllwithE(const Session& s, const std::optional<std::string>& path,
 bool SaveDistAna(const Session& s, const std::optional<std::string>& path, Progress& progress,
                  const SiteInfo* info) {
   const long p = s.CurrentParameter;
-  return Save(path, progress, s.FossilSampleCount, [&](RecordWriter& w) {
+  return SaveRecordFile(path, progress, s.FossilSampleCount, [&](RecordWriter& w) {
     w.Text("Depth").Text("Parameter");
     for (long k = 1; k <= s.LastAnalogueCount; ++k) w.Text("Analogue-" + std::to_string(k));
     w.End();
@@ -175,7 +156,7 @@ bool SaveDistAna(const Session& s, const std::optional<std::string>& path, Progr
 
 bool SaveScatter(const Session& s, const std::optional<std::string>& path, Progress& progress) {
   const long p = s.CurrentParameter;
-  return Save(path, progress, s.RefSiteCount, [&](RecordWriter& w) {
+  return SaveRecordFile(path, progress, s.RefSiteCount, [&](RecordWriter& w) {
     const std::string& name = s.ClimateParamNames(p);
     w.Text(name + "(Reconstructed)").Text(name + "(Estimated)").End();
     for (long i = 1; i <= s.RefSiteCount; ++i) {

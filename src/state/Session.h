@@ -8,6 +8,7 @@
 
 #include "eof/PreTreatmentSettings.h"
 #include "state/Array.h"
+#include "state/InterpolationState.h"
 #include "state/Numeric.h"
 
 namespace varnoth {
@@ -121,6 +122,11 @@ struct Session {
   bool EstObsImported = false;
   Count EstObsCount = 0;
   Array1<float> EstObsEstimated, EstObsObserved;
+
+  // The interpolation tool (src/interpolation). SiteInfoLoaded: the climate
+  // in use came from it ("Return to Varnoth"); a climate file clears it.
+  InterpolationState Interp;
+  bool SiteInfoLoaded = false;
 };
 
 }  // namespace varnoth

@@ -54,6 +54,35 @@ bool QtDialogs::Question(const std::string& text, const std::string& title) {
   return yes;
 }
 
+template <typename Call>
+auto OwnedDialogs::Owned(Call call) {
+  auto* qt = dynamic_cast<QtDialogs*>(&inner_);
+  if (!qt || !owner_) return call();
+  struct Restore {
+    QtDialogs* qt;
+    QPointer<QWidget> was;
+    ~Restore() { qt->SetParent(was); }
+  } restore{qt, qt->Parent()};
+  qt->SetParent(owner_);
+  return call();
+}
+
+std::optional<std::string> OwnedDialogs::OpenFileName(const std::string& filter) {
+  return Owned([&] { return inner_.OpenFileName(filter); });
+}
+
+std::optional<std::string> OwnedDialogs::SaveFileName(const std::string& filter) {
+  return Owned([&] { return inner_.SaveFileName(filter); });
+}
+
+void OwnedDialogs::Message(const std::string& text, const std::string& title) {
+  Owned([&] { inner_.Message(text, title); });
+}
+
+bool OwnedDialogs::Question(const std::string& text, const std::string& title) {
+  return Owned([&] { return inner_.Question(text, title); });
+}
+
 namespace {
 bool g_busy = false;
 }

@@ -16,6 +16,7 @@ QString QtFilter(const std::string& filter);
 class QtDialogs final : public Dialogs {
  public:
   void SetParent(QWidget* parent) { parent_ = parent; }
+  QWidget* Parent() const { return parent_; }
   std::optional<std::string> OpenFileName(const std::string& filter) override;
   std::optional<std::string> SaveFileName(const std::string& filter) override;
   void Message(const std::string& text, const std::string& title) override;
@@ -23,6 +24,26 @@ class QtDialogs final : public Dialogs {
 
  private:
   QPointer<QWidget> parent_;
+};
+
+// The dialogs of one window: a message or file dialog raised by that
+// window's events stands over it, not over the main window. Answers come
+// from the dialogs it wraps, scripted ones included.
+class OwnedDialogs final : public Dialogs {
+ public:
+  OwnedDialogs(Dialogs& inner, QWidget* owner) : inner_(inner), owner_(owner) {}
+  std::optional<std::string> OpenFileName(const std::string& filter) override;
+  std::optional<std::string> SaveFileName(const std::string& filter) override;
+  void Message(const std::string& text, const std::string& title) override;
+  bool Question(const std::string& text, const std::string& title) override;
+  Dialogs& Inner() { return inner_; }
+
+ private:
+  template <typename Call>
+  auto Owned(Call call);
+
+  Dialogs& inner_;
+  QPointer<QWidget> owner_;
 };
 
 // The busy pointer, set once however often it is asked for.

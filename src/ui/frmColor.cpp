@@ -5,16 +5,22 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSlider>
+#include <QVBoxLayout>
+#include <algorithm>
 #include <cmath>
 
 #include "presentation/Colours.h"
 #include "ui/PictureBox.h"
+#include "ui/ToolTips.h"
 #include "ui/frmMain.h"
 
 namespace varnoth {
 
 namespace {
 constexpr int kPanelWidth = 260, kPanelHeight = 90;
+// Room at both ends of a panel, so that points at 0 % and 100 % show whole.
+constexpr double kInset = 8;
+constexpr int kLabelWidth = 36, kLabelHeight = 16;
 // 60 twips: how near the pointer must come to take hold of a point.
 constexpr double kGrip = 60.0 / 15.0;
 const QColor kChannelColour[3] = {QColor(220, 0, 0), QColor(0, 170, 0), QColor(0, 0, 230)};
@@ -34,17 +40,31 @@ frmColor::frmColor(frmMain& main) : QWidget(nullptr, Qt::Window), main_(main), c
     ChannelNames[i]->setObjectName(QString("ChannelName_%1").arg(ch));
     Picture2[i] = new PictureBox(QString("Picture2_%1").arg(ch), QSize(kPanelWidth, kPanelHeight),
                                  false, this);
-    auto* row = new QHBoxLayout;
+    // The strip is as wide as the panel and starts where it does.
+    auto* column = new QWidget(this);
+    auto* stack = new QVBoxLayout(column);
+    stack->setContentsMargins(0, 0, 0, 0);
+    stack->setSpacing(0);
+    LabelStrips[i] = new QWidget(column);
+    LabelStrips[i]->setFixedHeight(kLabelHeight);
+    Picture2[i]->setParent(column);
+    stack->addWidget(Picture2[i]);
+    stack->addWidget(LabelStrips[i]);
+    const char* breakNames[4] = {"rises from", "full from", "full up to", "falls to 0 at"};
     for (int r = 0; r < 4; ++r) {
-      QLabel* l = new QLabel(this);
+      QLabel* l = new QLabel(LabelStrips[i]);
       l->setObjectName(QString("Label%1_%2").arg(ch).arg(r));
-      l->setMinimumWidth(40);
+      l->setAlignment(Qt::AlignCenter);
+      l->resize(kLabelWidth, kLabelHeight);
+      l->setToolTip(QString("%1 %2").arg(names[ch], breakNames[r]));
       ChannelLabels[i][static_cast<std::size_t>(r)] = l;
-      row->addWidget(l);
     }
     grid->addWidget(ChannelNames[i], 3 * ch, 0, 1, 3);
-    grid->addWidget(Picture2[i], 3 * ch + 1, 0, 1, 3);
-    grid->addLayout(row, 3 * ch + 2, 0, 1, 3);
+    grid->addWidget(column, 3 * ch + 1, 0, 2, 3);
+    connect(Picture2[i], &PictureBox::Resized, this, [this, ch] {
+      DrawPanel(ch);
+      PlaceLabels(ch);
+    });
     connect(Picture2[i], &PictureBox::LeftPressed, this,
             [this, ch](const QPointF& at) { Press(ch, at); });
     connect(Picture2[i], &PictureBox::LeftMoved, this,
@@ -84,6 +104,7 @@ frmColor::frmColor(frmMain& main) : QWidget(nullptr, Qt::Window), main_(main), c
   connect(Command2, &QPushButton::clicked, this, &QWidget::close);
   ShowChannels();
   DrawAll();
+  ExplainControls(this);
 }
 
 void frmColor::showEvent(QShowEvent* event) {
@@ -101,6 +122,7 @@ void frmColor::ShowChannels() {
   // In grey mode only the blue channel stands for all three.
   for (int ch = 0; ch < 2; ++ch) {
     const auto i = static_cast<std::size_t>(ch);
+    Picture2[i]->parentWidget()->setVisible(!c_.GreyMode);
     Picture2[i]->setVisible(!c_.GreyMode);
     ChannelNames[i]->setVisible(!c_.GreyMode);
     for (QLabel* l : ChannelLabels[i]) l->setVisible(!c_.GreyMode);
@@ -116,8 +138,9 @@ void frmColor::DrawAll() {
 
 void frmColor::DrawPanel(int channel) {
   Surface& sf = Picture2[static_cast<std::size_t>(channel)]->surface();
-  const double w = sf.Width(), h = sf.Height();
-  sf.SetScale(0, 0, w, h);
+  // The ramp runs from 0 to w, inside the inset at both ends.
+  const double w = sf.Width() - 2 * kInset, h = sf.Height();
+  sf.SetScale(-kInset, 0, sf.Width(), h);
   sf.SetBackColour(Qt::white);
   const QColor colour = c_.GreyMode ? QColor(60, 60, 60) : kChannelColour[channel];
   const double level[4] = {0.8 * h, 0.2 * h, 0.2 * h, 0.8 * h};
@@ -147,32 +170,95 @@ void frmColor::DrawBar() {
 }
 
 void frmColor::DrawLabels() {
-  for (int ch = 0; ch < 3; ++ch)
+  for (int ch = 0; ch < 3; ++ch) {
     for (int r = 0; r < 4; ++r)
       ChannelLabels[static_cast<std::size_t>(ch)][static_cast<std::size_t>(r)]->setText(
           Percent(c_.Break(ch, r)));
+    PlaceLabels(ch);
+  }
   Label3->setText(Percent(c_.PaletteWhite));
 }
 
-void frmColor::Press(int channel, const QPointF& at) {
-  const Surface& sf = Picture2[static_cast<std::size_t>(channel)]->surface();
-  const double w = sf.Width(), h = sf.Height();
-  const double level[4] = {0.8 * h, 0.2 * h, 0.2 * h, 0.8 * h};
-  heldChannel_ = heldBreak_ = -1;
+void frmColor::PlaceLabels(int channel) {
+  // Each label under its point; labels of points that stand close together
+  // keep the order of their breaks side by side.
+  const auto i = static_cast<std::size_t>(channel);
+  const double stripWidth = LabelStrips[i]->width();
+  std::array<int, 4> order{0, 1, 2, 3};
+  std::array<double, 4> centre{};
+  for (int r = 0; r < 4; ++r) centre[static_cast<std::size_t>(r)] = PointAt(channel, r).x();
+  std::stable_sort(order.begin(), order.end(), [&](int a, int b) {
+    return centre[static_cast<std::size_t>(a)] < centre[static_cast<std::size_t>(b)];
+  });
+  std::array<double, 4> left{};
+  double limit = 0;
+  for (int k = 0; k < 4; ++k) {
+    const auto r = static_cast<std::size_t>(order[static_cast<std::size_t>(k)]);
+    left[r] = std::max(centre[r] - kLabelWidth / 2.0, limit);
+    limit = left[r] + kLabelWidth;
+  }
+  limit = stripWidth;
+  for (int k = 3; k >= 0; --k) {
+    const auto r = static_cast<std::size_t>(order[static_cast<std::size_t>(k)]);
+    left[r] = std::max(0.0, std::min(left[r], limit - kLabelWidth));
+    limit = left[r];
+  }
+  for (int r = 0; r < 4; ++r)
+    ChannelLabels[i][static_cast<std::size_t>(r)]->move(
+        static_cast<int>(std::lround(left[static_cast<std::size_t>(r)])), 0);
+}
+
+QPointF frmColor::PointAt(int channel, int r) const {
+  const PictureBox* p = Picture2[static_cast<std::size_t>(channel)];
+  const double h = p->surface().Height();
+  const double level = (r == 0 || r == 3) ? 0.8 * h : 0.2 * h;
+  const double w = p->surface().Width() - 2 * kInset;
+  return QPointF(p->Origin()) + QPointF(kInset + c_.Break(channel, r) * w, level);
+}
+
+int frmColor::BreakAt(int channel, const QPointF& pixel) const {
+  // Of the points within the grip, the nearest wins; among points that
+  // stand on one another, one that has room to move between its
+  // neighbours, so that a stack can always be taken apart.
+  const PictureBox* p = Picture2[static_cast<std::size_t>(channel)];
+  const QPointF at = pixel + QPointF(p->Origin());
+  int best = -1;
+  double bestDistance = 0;
+  bool bestMoves = false;
   for (int r = 0; r < 4; ++r) {
-    if (std::abs(at.x() - c_.Break(channel, r) * w) <= kGrip &&
-        std::abs(at.y() - level[r]) <= kGrip) {
-      heldChannel_ = channel;
-      heldBreak_ = r;
-      return;
+    const QPointF point = PointAt(channel, r);
+    if (std::abs(at.x() - point.x()) > kGrip || std::abs(at.y() - point.y()) > kGrip) continue;
+    const double distance = std::hypot(at.x() - point.x(), at.y() - point.y());
+    const double below = r > 0 ? c_.Break(channel, r - 1) : 0.0;
+    const double above = r < 3 ? c_.Break(channel, r + 1) : 1.0;
+    const bool moves = above > below;
+    const bool nearer = distance < bestDistance - 1e-9;
+    const bool level = std::abs(distance - bestDistance) <= 1e-9;
+    if (best < 0 || nearer || (level && moves && !bestMoves)) {
+      best = r;
+      bestDistance = distance;
+      bestMoves = moves;
     }
   }
+  return best;
+}
+
+void frmColor::Press(int channel, const QPointF& at) {
+  heldChannel_ = heldBreak_ = -1;
+  const int r = BreakAt(channel, at);
+  if (r < 0) return;
+  heldChannel_ = channel;
+  heldBreak_ = r;
 }
 
 void frmColor::Move(int channel, const QPointF& at) {
   if (heldChannel_ != channel || heldBreak_ < 0) return;
-  const double w = Picture2[static_cast<std::size_t>(channel)]->surface().Width();
-  const float value = static_cast<float>(std::clamp(at.x() / w, 0.0, 1.0));
+  const double w = Picture2[static_cast<std::size_t>(channel)]->surface().Width() - 2 * kInset;
+  // A break stays between its neighbours: the ramp rises, stays and falls
+  // in that order.
+  const double below = heldBreak_ > 0 ? c_.Break(channel, heldBreak_ - 1) : 0.0;
+  const double above = heldBreak_ < 3 ? c_.Break(channel, heldBreak_ + 1) : 1.0;
+  const float value = static_cast<float>(std::clamp((at.x() - kInset) / w, below, above));
   c_.Break(channel, heldBreak_) = value;
   if (c_.GreyMode)
     for (int ch = 0; ch < 2; ++ch)

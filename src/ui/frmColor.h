@@ -23,6 +23,10 @@ class frmColor : public QWidget {
   void DrawAll();
   void GreyScale();  // Command1
   void Reset();      // Command3
+  // Where break r of a channel stands on its panel, in the panel's pixels.
+  QPointF PointAt(int channel, int r) const;
+  // The break that a press at `pixel` takes hold of, or -1.
+  int BreakAt(int channel, const QPointF& pixel) const;
 
   QPushButton *Command1 = nullptr, *Command2 = nullptr, *Command3 = nullptr;
   QSlider* Slider1 = nullptr;
@@ -31,6 +35,7 @@ class frmColor : public QWidget {
   std::array<std::array<QLabel*, 4>, 3> ChannelLabels{};  // Label0, Label1, Label2
   QLabel* Label3 = nullptr;
   std::array<QLabel*, 3> ChannelNames{};
+  std::array<QWidget*, 3> LabelStrips{};  // the labels stand under their points
 
  protected:
   void showEvent(QShowEvent* event) override;
@@ -39,6 +44,7 @@ class frmColor : public QWidget {
   void DrawPanel(int channel);
   void DrawBar();
   void DrawLabels();
+  void PlaceLabels(int channel);
   void ShowChannels();
   void Press(int channel, const QPointF& at);
   void Move(int channel, const QPointF& at);

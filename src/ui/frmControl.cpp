@@ -14,6 +14,7 @@
 #include <algorithm>
 
 #include "ui/PictureBox.h"
+#include "ui/ToolTips.h"
 
 namespace varnoth {
 
@@ -52,12 +53,14 @@ frmControl::frmControl(Session& session, Dialogs& dialogs, ControlPanelLinks lin
     : QWidget(parent, Qt::Window),
       s_(session),
       links_(std::move(links)),
-      boundary_(dialogs, progress ? *progress : noProgress_) {
+      ownDialogs_(dialogs, this),
+      boundary_(ownDialogs_, progress ? *progress : noProgress_) {
   setObjectName("frmControl");
   setWindowTitle("Control panel");
   setAttribute(Qt::WA_QuitOnClose, false);
   Build();
   ConnectEvents();
+  ExplainControls(this);
 }
 
 void frmControl::Build() {

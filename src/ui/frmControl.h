@@ -12,6 +12,7 @@
 #include "state/Dialogs.h"
 #include "state/Session.h"
 #include "ui/ErrorBoundary.h"
+#include "ui/QtDialogs.h"
 
 class QCheckBox;
 class QComboBox;
@@ -95,6 +96,7 @@ class frmControl : public QWidget {
   Session& s_;
   ControlPanelLinks links_;
   NoProgress noProgress_;
+  OwnedDialogs ownDialogs_;  // messages stand over the panel
   ErrorBoundary boundary_;
   bool threeD_ = false;
 };

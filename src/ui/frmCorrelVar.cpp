@@ -7,7 +7,11 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
+#include <QWindow>
+#include <algorithm>
 
+#include "ui/ToolTips.h"
+#include "ui/WindowPlacement.h"
 #include "ui/frmMain.h"
 
 namespace varnoth {
@@ -23,10 +27,13 @@ QRadioButton* Option(QWidget* parent, QButtonGroup* group, const QString& name,
 }
 }  // namespace
 
-frmCorrelVar::frmCorrelVar(frmMain& main) : QWidget(nullptr, Qt::Window), main_(main) {
+frmCorrelVar::frmCorrelVar(frmMain& main) : QDialog(nullptr), main_(main) {
   setObjectName("frmCorrelVar");
   setWindowTitle("Data pre-treatment for PCA");
   setAttribute(Qt::WA_QuitOnClose, false);
+  // The main window is disabled while the dialog is up, so the dialog is
+  // not its child (it would be disabled with it), but it stays over it.
+  setModal(true);
   auto* layout = new QVBoxLayout(this);
 
   Frame1 = new QGroupBox(" Percentage conversion", this);
@@ -70,6 +77,7 @@ frmCorrelVar::frmCorrelVar(frmMain& main) : QWidget(nullptr, Qt::Window), main_(
   for (QButtonGroup* g : {g1, g2, g3})
     connect(g, &QButtonGroup::buttonClicked, this, [this] { Command1->setFocus(); });
   connect(Command1, &QPushButton::clicked, this, &frmCorrelVar::ApplyPreTreatment);
+  ExplainControls(this);
 }
 
 void frmCorrelVar::EnhanceToggled(bool on) {
@@ -92,6 +100,25 @@ void frmCorrelVar::ApplyPreTreatment() {
   main_.ConfirmPreTreatment(Settings());
   confirming_ = false;
 }
+
+void frmCorrelVar::Open() {
+  // The whole caption must fit in the title bar, beside the frame's
+  // buttons.
+  QSize size = isVisible() || testAttribute(Qt::WA_Resized)
+                   ? this->size()
+                   : sizeHint().expandedTo(minimumSizeHint());
+  size.setWidth(std::max(size.width(), fontMetrics().horizontalAdvance(windowTitle()) + 160));
+  resize(size);
+  PlaceCentredOn(this, &main_);
+  winId();
+  if (QWindow* own = windowHandle()) own->setTransientParent(main_.windowHandle());
+  show();
+  raise();
+  activateWindow();
+  Command1->setFocus();
+}
+
+void frmCorrelVar::reject() { close(); }
 
 void frmCorrelVar::closeEvent(QCloseEvent* event) {
   // While the dialog is up the main window is held, so its own frame is the

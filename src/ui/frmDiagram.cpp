@@ -16,6 +16,7 @@
 #include <cmath>
 
 #include "ui/PictureBox.h"
+#include "ui/ToolTips.h"
 
 namespace varnoth {
 
@@ -35,6 +36,8 @@ constexpr int kBottom = 54;
 constexpr int Pixels(int twips) { return (twips + 7) / 15; }
 constexpr int kMinHeight = Pixels(6000), kMinWidth = Pixels(4000), kTooSmall = Pixels(500);
 constexpr int kSmallHeight = Pixels(5000), kSmallWidth = Pixels(3500);
+// The row of controls under the diagram ends at Slider3's shortest width.
+constexpr int kControlsRow = 6 + 414 + 60 + 6;
 
 QAction* Entry(QObject* parent, const QString& name, const QString& caption) {
   auto* a = new QAction(caption, parent);
@@ -67,7 +70,8 @@ frmDiagram::frmDiagram(Session& session, ColourSettings& colours, Dialogs& dialo
     : QMainWindow(parent, Qt::Window),
       s_(session),
       colours_(colours),
-      dialogs_(dialogs),
+      ownDialogs_(dialogs, this),
+      dialogs_(ownDialogs_),
       progress_(progress) {
   setObjectName("frmDiagram");
   setWindowTitle("Diagram");
@@ -75,6 +79,7 @@ frmDiagram::frmDiagram(Session& session, ColourSettings& colours, Dialogs& dialo
   BuildControls();
   BuildMenus();
   ConnectEvents();
+  ExplainControls(this);
   resize(1000, 720);
 }
 
@@ -231,8 +236,10 @@ void frmDiagram::ConnectEvents() {
     });
   });
   connect(Slider2, &QSlider::valueChanged, this, &frmDiagram::ZoomMoved);
-  connect(Combo1, &QComboBox::activated, this,
-          [this] { boundary_.Run([this] { DrawEofCurve(); }); });
+  connect(Combo1, &QComboBox::activated, this, [this] {
+    boundary_.Run([this] { DrawEofCurve(); });
+    emit EofChosen();
+  });
   connect(Slider3, &QSlider::valueChanged, this, [this] {
     boundary_.Run([this] {
       LayoutTaxaColumns();
@@ -258,17 +265,35 @@ frmDiagram::FrameRules frmDiagram::ApplyFrameRules(QSize window, QSize margins) 
   int w = std::max(window.width(), kMinWidth);
   int h = std::max(window.height(), kMinHeight);
   bool justShown = false;
+  // The fixed panels around the diagram take their own room: the restored
+  // size gives the diagram itself the small size, not the window.
   if (h - margins.height() < kTooSmall) {
     ++r.Messages;
     justShown = true;
-    h = kSmallHeight;
+    h = margins.height() + kSmallHeight;
   }
   if (w - margins.width() < kTooSmall) {
     if (!justShown) ++r.Messages;
-    w = kSmallWidth;
+    w = margins.width() + kSmallWidth;
   }
   r.Size = QSize(w, h);
   return r;
+}
+
+QSize frmDiagram::SmallestWindow(QSize margins) {
+  return QSize(std::max({kMinWidth, margins.width() + kTooSmall, kControlsRow}),
+               std::max(kMinHeight, margins.height() + kTooSmall));
+}
+
+void frmDiagram::KeepUsableSize() {
+  // The menu and status bars have their heights only once laid out.
+  const QSize smallest = SmallestWindow(Margins());
+  if (minimumSize() != smallest) setMinimumSize(smallest);
+}
+
+void frmDiagram::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  KeepUsableSize();
 }
 
 void frmDiagram::resizeEvent(QResizeEvent* event) {
@@ -281,6 +306,7 @@ void frmDiagram::resizeEvent(QResizeEvent* event) {
       corrected_ = rules.Size;
       resize(rules.Size);
     }
+    KeepUsableSize();
   } else {
     corrected_ = QSize();
   }

@@ -11,6 +11,7 @@
 #include "state/Dialogs.h"
 #include "state/Session.h"
 #include "ui/ErrorBoundary.h"
+#include "ui/QtDialogs.h"
 
 class QAction;
 class QActionGroup;
@@ -71,9 +72,10 @@ class frmDiagram : public QMainWindow {
   const DiagramSettings& Settings() const { return settings_; }
 
   // The resize rules: the window is kept at 6000 by 4000 twips at least,
-  // and a diagram squeezed below 500 twips says "Frame too small" and sets
-  // the window to 5000 twips high or 3500 wide. Margins are the window's
-  // size less Picture1's. Pure, so that the rules can be tested alone.
+  // and a diagram squeezed below 500 twips says "Frame too small" and gives
+  // the diagram itself 5000 twips of height or 3500 of width again, beside
+  // the margins of this layout. Margins are the window's size less
+  // Picture1's. Pure, so that the rules can be tested alone.
   struct FrameRules {
     QSize Size;
     int Messages = 0;
@@ -81,6 +83,12 @@ class frmDiagram : public QMainWindow {
   static FrameRules ApplyFrameRules(QSize window, QSize margins);
   // The window's size less Picture1's at the designed layout.
   QSize Margins() const;
+  // The smallest window that still shows a diagram of 500 twips and the
+  // whole row of controls under it.
+  static QSize SmallestWindow(QSize margins);
+  // The main window shows the selected sample's name ("Sequential") or not:
+  // the selection line follows, without telling it back.
+  void FollowSampleNames(bool sequential);
 
   // Controls, by their names.
   PictureBox *Picture1 = nullptr, *Picture2 = nullptr, *Picture4 = nullptr;
@@ -109,11 +117,14 @@ class frmDiagram : public QMainWindow {
   void SelectionLineToggled(bool on);
   // mnuECC "&EOF-Climate correlation".
   void EccRequested();
+  // Combo1 chose the EOF shown: the correlation window follows.
+  void EofChosen();
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
  private:
   // Construction and layout, in frmDiagram.cpp.
@@ -136,9 +147,11 @@ class frmDiagram : public QMainWindow {
   void ShowEofControls(bool on);
   void SetSizing(bool on);
   void SetFollowers(Count sample);
+  void KeepUsableSize();
 
   Session& s_;
   ColourSettings& colours_;
+  OwnedDialogs ownDialogs_;  // messages stand over this window
   Dialogs& dialogs_;
   Progress& progress_;
   ErrorBoundary boundary_{dialogs_, progress_};

@@ -13,6 +13,7 @@
 #include "diagram/Coniss.h"
 #include "diagram/EofCurveFiles.h"
 #include "state/Format.h"
+#include "ui/ListName.h"
 #include "ui/PictureBox.h"
 #include "ui/frmDiagram.h"
 
@@ -68,6 +69,21 @@ void frmDiagram::Load() {
     if (!s_.FossilEmptySample(i)) Combo2->addItem(QString::fromStdString(s_.FossilLabels(i)));
   SetFollowers(s_.SampleCursor);
   RefreshSettings();
+  // The main window marks the same sample as the line here does: with the
+  // line on, its fossil names go to "Sequential".
+  emit SelectionLineToggled(Check1->isChecked());
+}
+
+void frmDiagram::FollowSampleNames(bool sequential) {
+  if (Check1->isChecked() == sequential) return;
+  {
+    const QSignalBlocker quiet(Check1);
+    Check1->setChecked(sequential);
+  }
+  boundary_.Run([this] {
+    DrawDiagramMarker();
+    DrawEofMarker();
+  });
 }
 
 void frmDiagram::ShowDiagram() {
@@ -200,14 +216,10 @@ void frmDiagram::DrawEofMarker() {
 
 void frmDiagram::SetFollowers(Count sample) {
   SetQuietly(UpDown1, sample);
-  // An empty sample has no entry in the list: the list shows nothing.
-  const int index =
-      sample >= 1 && sample <= s_.FossilSampleCount
-          ? Combo2->findText(QString::fromStdString(s_.FossilLabels(sample)), Qt::MatchExactly)
-          : -1;
-  const bool was = Combo2->blockSignals(true);
-  Combo2->setCurrentIndex(index);
-  Combo2->blockSignals(was);
+  // An empty sample has no entry in the list: its label shows all the same.
+  ShowListName(Combo2, sample >= 1 && sample <= s_.FossilSampleCount
+                           ? QString::fromStdString(s_.FossilLabels(sample))
+                           : QString());
 }
 
 void frmDiagram::SelectSample(int sample) {
@@ -299,7 +311,9 @@ void frmDiagram::SaveWith(bool all) {
 void frmDiagram::ShowEofControls(bool on) {
   for (QWidget* w : {static_cast<QWidget*>(Label3[0]), static_cast<QWidget*>(Label3[1]),
                      static_cast<QWidget*>(Label3[2]), static_cast<QWidget*>(Label2),
-                     static_cast<QWidget*>(Slider2), static_cast<QWidget*>(Combo1)}) {
+                     static_cast<QWidget*>(Slider2), static_cast<QWidget*>(Combo1),
+                     // The count belongs to the EOF curve, not to the tree.
+                     static_cast<QWidget*>(Label4)}) {
     w->setVisible(on);
     w->setEnabled(on);
   }

@@ -22,11 +22,14 @@
 #include <numbers>
 
 #include "ui/PictureBox.h"
+#include "ui/ToolTips.h"
+#include "ui/WindowPlacement.h"
 #include "ui/frmAbout1.h"
 #include "ui/frmColor.h"
 #include "ui/frmControl.h"
-#include "ui/frmDiagram.h"
 #include "ui/frmCorrelVar.h"
+#include "ui/frmDiagram.h"
+#include "ui/frmECC.h"
 #include "ui/frmTest.h"
 
 namespace varnoth {
@@ -84,6 +87,9 @@ frmMain::frmMain(Session& session, ColourSettings& colours, Dialogs& dialogs, QW
   BuildPopups();
   StartValues();
   ConnectEvents();
+  BuildStatusLine();
+  BuildShortcuts();
+  ExplainControls(this);
   // Figures of a readable size where the screen allows.
   QSize size(980, 720);
   if (const QScreen* screen = QGuiApplication::primaryScreen())
@@ -96,6 +102,7 @@ frmMain::~frmMain() {
   delete correlVar_.data();
   delete color_.data();
   delete control_.data();
+  delete ecc_.data();  // it holds on to the diagram
   delete diagram_.data();
 }
 
@@ -452,11 +459,13 @@ void frmMain::ConnectEvents() {
   connect(mnuQuit, &QAction::triggered, this, &frmMain::QuitProgram);
   connect(Command9, &QPushButton::clicked, this, [this] {
     frmTest* t = TestForm();
+    if (NeverPlaced(t)) PlaceCentredOn(t, this);
     t->show();
     t->raise();
   });
   connect(mnuAbout, &QAction::triggered, this, [this] {
     frmAbout1* a = AboutWindow();
+    if (NeverPlaced(a)) PlaceCentredOn(a, this);
     a->show();
     a->raise();
   });
@@ -499,6 +508,7 @@ void frmMain::ConnectEvents() {
   connect(Command11, &QPushButton::clicked, this, &frmMain::EnvelopClick);
   ConnectAxisEvents();
   ConnectDiagramEvents();
+  ConnectMATEvents();
   connect(Check1, &QCheckBox::toggled, this, [this](bool on) {
     boundary_.Run([this, on] {
       SetStereo(on);

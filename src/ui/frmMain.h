@@ -41,6 +41,8 @@ class frmAbout1;
 class frmTest;
 class frmControl;
 class frmDiagram;
+class frmMAT;
+class frmECC;
 
 // Windows are closed by QuitProgram in this order; later tools add theirs.
 enum class WindowOrder {
@@ -94,6 +96,8 @@ class frmMain : public QMainWindow {
   frmTest* TestForm();
   frmControl* ControlPanel();
   frmDiagram* DiagramWindow();
+  frmMAT* MATWindow();
+  frmECC* EccWindow();
   // What ends the process after the windows are closed.
   void SetEndProgram(std::function<void()> end) { endProgram_ = std::move(end); }
 
@@ -150,10 +154,20 @@ class frmMain : public QMainWindow {
   // The diagram window and its link to the scatter, in frmMain_diagram.cpp.
   void ConnectDiagramEvents();
 
+  // The reconstruction window and its links, in frmMain_mat.cpp.
+  void ConnectMATEvents();
+  void LinkDiagramAndMAT();
+
   // Axes: the control panel and the ring of EOFs, in frmMain_axes.cpp.
   void ConnectAxisEvents();
   void StepAxisRing(bool next);
   void ChooseAxisChangeMode(bool automatic);
+
+  // Title, status line, tool tips and shortcuts, in frmMain_status.cpp.
+  void BuildStatusLine();
+  void BuildShortcuts();
+  void ShowPointer(int figure, const QPointF& pixel);
+  void SaveFocusedScore();
 
   // Display, in frmMain_scatter.cpp.
   void RedrawScatter(Count a, Count b, Count c);
@@ -187,6 +201,8 @@ class frmMain : public QMainWindow {
   QPointer<frmTest> test_;
   QPointer<frmControl> control_;
   QPointer<frmDiagram> diagram_;
+  QPointer<frmMAT> mat_;
+  QPointer<frmECC> ecc_;
 
   QTimer timer1_, timer2_;
 
@@ -220,6 +236,16 @@ class frmMain : public QMainWindow {
   std::array<PictureBox*, 2> picture1_{}, picture2_{};
   PictureBox* picture3_ = nullptr;
   QWidget* partnerColumn1_ = nullptr;
+  QString referenceFile_, fossilFile_;  // names of the tables read
+  int focusedFigure_ = 2;               // the figure Ctrl+S saves from
+
+ public:
+  // The window's title: the program and the tables read, with their sizes.
+  void ShowTitle();
+  // The status line under the figures: how far the analysis has come.
+  void ShowAnalysisState();
+  QLabel *StatusState = nullptr, *StatusPointer = nullptr;
+  QAction *ImportNext = nullptr, *SaveScore = nullptr;
 };
 
 }  // namespace varnoth

@@ -10,6 +10,7 @@
 #include "envelope/Animation.h"
 #include "presentation/Scatter.h"
 #include "ui/PictureBox.h"
+#include "ui/WindowPlacement.h"
 #include "ui/frmControl.h"
 #include "ui/frmMain.h"
 
@@ -68,7 +69,15 @@ void frmMain::ChooseAxisChangeMode(bool automatic) {
 }
 
 void frmMain::ConnectAxisEvents() {
-  auto open = [this] { boundary_.Run([this] { ControlPanel()->Open(); }); };
+  auto open = [this] {
+    boundary_.Run([this] {
+      frmControl* panel = ControlPanel();
+      // At its first opening the panel stands beside this window, on the side
+      // with room, so that it hides none of the figures.
+      if (NeverPlaced(panel)) PlaceBeside(panel, this);
+      panel->Open();
+    });
+  };
   connect(Command3, &QPushButton::clicked, this, open);
   connect(mnuControl, &QAction::triggered, this, open);
   connect(&timer2_, &QTimer::timeout, this, [this] { StepAxisRing(false); });

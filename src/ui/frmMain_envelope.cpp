@@ -31,6 +31,7 @@ void frmMain::EnvelopClick() {
     if (s_.FossilSampleCount > 2) DrawFossilFigure(a, b, c);
     emit RedrawOthers();
   });
+  ShowAnalysisState();
 }
 
 void frmMain::RunEnvelopeAndRedraw() {
@@ -56,6 +57,7 @@ void frmMain::RunEnvelopeAndRedraw() {
   progress_.Finish();
   Command11->setText(kResetEnvelope);
   Command11->setEnabled(true);
+  ShowAnalysisState();
 }
 
 }  // namespace varnoth

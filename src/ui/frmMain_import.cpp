@@ -2,6 +2,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
@@ -48,6 +49,9 @@ void frmMain::RunImport(bool reference) {
                            : varnoth::ImportFossil(s_, path, dialogs_, progress_);
         BusyPointer::Restore();
         if (!result.Ok) return;
+        (reference ? referenceFile_ : fossilFile_) =
+            QFileInfo(QString::fromStdString(path.value_or(std::string()))).fileName();
+        ShowTitle();
         FillLists(reference, result.IsBase);
         if (result.IsBase) {
           BaseImportRead();
@@ -65,16 +69,14 @@ void frmMain::RunImport(bool reference) {
         RestartTurning();
       },
       failed);
+  ShowAnalysisState();
   if (!ran) return;
   if (!result.Ok) {
     failed();
     return;
   }
   if (result.IsBase) {
-    frmCorrelVar* dialog = CorrelVar();
-    dialog->show();
-    dialog->raise();
-    dialog->activateWindow();
+    CorrelVar()->Open();
   }
 }
 
@@ -130,6 +132,7 @@ void frmMain::ConfirmPreTreatment(const PreTreatmentSettings& settings) {
   });
   if (done) EofAnalysisEnded();
   ImportButtonsFromSession();
+  ShowAnalysisState();
 }
 
 void frmMain::EofAnalysisEnded() {

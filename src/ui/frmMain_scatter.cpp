@@ -12,9 +12,10 @@
 #include <QStyleOptionSlider>
 #include <cmath>
 
-#include "state/Format.h"
-#include "ui/PictureBox.h"
 #include "envelope/Animation.h"
+#include "state/Format.h"
+#include "ui/ListName.h"
+#include "ui/PictureBox.h"
 #include "ui/frmControl.h"
 #include "ui/frmMain.h"
 
@@ -182,9 +183,7 @@ void frmMain::StepCursor(int list, int direction) {
     const ListKind kind = static_cast<ListKind>(list);
     const Count cursor = varnoth::StepCursor(s_, kind, direction);
     QComboBox* combo = list == 0 ? Combo3 : list == 1 ? Combo4 : Combo1;
-    const int index =
-        combo->findText(QString::fromStdString(ListNames(s_, kind)(cursor)), Qt::MatchExactly);
-    if (index >= 0) combo->setCurrentIndex(index);
+    ShowListName(combo, QString::fromStdString(ListNames(s_, kind)(cursor)));
     const Count a = s_.DisplayAxes(1), b = s_.DisplayAxes(2), c = s_.DisplayAxes(3);
     if (list == 0)
       DrawTaxaFigure(a, b, c);

@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 
 #include "state/RecordWriter.h"
+#include "ui/QtDialogs.h"
 #include "ui/frmMain.h"
 
 namespace varnoth {
@@ -52,7 +53,9 @@ frmTest::frmTest(frmMain& main) : QWidget(&main, Qt::Dialog), main_(main) {
 
 void frmTest::WriteWorkingValues() {
   main_.boundary().Run([this] {
-    std::optional<std::string> path = main_.dialogs().SaveFileName(kDataFileFilter);
+    // The file dialog stands over this form, which asked for it.
+    OwnedDialogs owned(main_.dialogs(), this);
+    std::optional<std::string> path = owned.SaveFileName(kDataFileFilter);
     if (!path) return;
     WorkingValues(main_.session()).Save(*path);
   });

@@ -8,6 +8,7 @@
 #include <map>
 
 #include "eof/PreTreatment.h"
+#include "interpolation/StationImport.h"
 #include "state/Import.h"
 
 namespace varnoth::fuzz {
@@ -78,6 +79,45 @@ Session AnalysedSession(bool withFossil) {
   if (withFossil && !ImportFossil(s, WriteInput("start-fossil", kFossilTable), yes, progress).Ok)
     Broken("the starting fossil imports", __FILE__, __LINE__);
   return s;
+}
+
+// Stations around the sites of the reference table, with two temperatures
+// and a precipitation.
+const char* const kStationTable =
+    "Station,Lon,Lat,Alt,TL,PL,TSummer,TWinter,Prec\r\n"
+    "W1,-10,40,100,0.6,2,20,10,800\r\n"
+    "W2,-8,42,300,0.6,2,18,8,900\r\n"
+    "W3,-12,44,50,0.6,2,17,6,1000\r\n"
+    "W4,-9,38,500,0.6,2,22,12,600\r\n"
+    "W5,-11,41,0,0.6,2,19,9,850\r\n";
+
+const char* const kTargetTable =
+    "Site,Lon,Lat,Alt,TL,PL\r\n"
+    "S1,-10,40,0,0.6,2\r\nS2,-9,41,0,0.6,2\r\nS3,-11,42,0,0.6,2\r\n"
+    "S4,-10,43,0,0.6,2\r\nS5,-8,39,0,0.6,2\r\nS6,-12,40,0,0.6,2\r\n"
+    "S7,-10,41,0,0.6,2\r\nS8,-9,42,0,0.6,2\r\n";
+
+Session InterpolationSession(bool forTargets) {
+  Session s = AnalysedSession(false);
+  FuzzDialogs yes(true);
+  s.Interp.InterpWindowOpen = true;
+  if (!ImportData(s, kStationFile, WriteInput("start-stations", kStationTable), yes).Ok)
+    Broken("the starting stations import", __FILE__, __LINE__);
+  if (!forTargets && !ImportData(s, kTargetFile, WriteInput("start-targets", kTargetTable), yes).Ok)
+    Broken("the starting targets import", __FILE__, __LINE__);
+  return s;
+}
+
+bool SameInterpolationInputs(const Session& x, const Session& y) {
+  const InterpolationState &a = x.Interp, &b = y.Interp;
+  return a.InterpColumnCount == b.InterpColumnCount && a.InterpRefCount == b.InterpRefCount &&
+         a.InterpRefNames == b.InterpRefNames && a.SiteMapNames == b.SiteMapNames &&
+         a.InterpParamNames == b.InterpParamNames && a.InterpRefLon == b.InterpRefLon &&
+         a.InterpRefLat == b.InterpRefLat && a.InterpRefAlt == b.InterpRefAlt &&
+         a.SiteLongitude == b.SiteLongitude && a.SiteLatitude == b.SiteLatitude &&
+         a.SiteAltitude == b.SiteAltitude && a.InterpRefClimate == b.InterpRefClimate &&
+         a.InterpRefLapse == b.InterpRefLapse && a.InterpTargetLapse == b.InterpTargetLapse &&
+         a.InterpRefLoaded == b.InterpRefLoaded && a.InterpTargetLoaded == b.InterpTargetLoaded;
 }
 
 bool SameReference(const Session& a, const Session& b) {

@@ -60,10 +60,21 @@ Session FreshSession();
 // fossil imported and projected as well.
 Session AnalysedSession(bool withFossil);
 
+// A reference imported and analysed, and the interpolation tool open with
+// its station table of three columns loaded; with `withTargets` for the
+// targets' reader (nothing more), else with the targets loaded too, so
+// that a station file replaces a complete state.
+Session InterpolationSession(bool forTargets);
+extern const char* const kStationTable;
+extern const char* const kTargetTable;
+
 // Every array of the data set and of the EOF results alike.
 bool SameReference(const Session& a, const Session& b);
 bool SameFossil(const Session& a, const Session& b);
 bool SameEofResults(const Session& a, const Session& b);
+// The loaded files of the interpolation tool alike (the target count
+// aside, which a refused target file sets).
+bool SameInterpolationInputs(const Session& a, const Session& b);
 
 // All values of the array finite.
 template <typename T>

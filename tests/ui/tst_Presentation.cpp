@@ -192,6 +192,41 @@ class tst_Presentation : public QObject {
     QVERIFY(IsWhite(s.PixelAt(100, 100 + 23)));
   }
 
+  void ringIsHollowWithRadiusInHorizontalUnits() {
+    Surface s(200, 200);
+    s.SetScale(0, 0, 100, 200);
+    s.SetBackColour(Qt::white);
+    s.Ring(50, 100, 10, Qt::black);  // 20 pixels across, one pixel wide
+    for (const QPoint& p : {QPoint(120, 100), QPoint(80, 100), QPoint(100, 120), QPoint(100, 80)})
+      QCOMPARE(s.PixelAt(p.x(), p.y()), QColor(Qt::black));
+    QVERIFY(IsWhite(s.PixelAt(100, 100)));
+    QVERIFY(IsWhite(s.PixelAt(118, 100)));
+    QVERIFY(IsWhite(s.PixelAt(122, 100)));
+    // A mark far off the picture draws nothing and fails nothing.
+    s.Ring(-1e12, 100, 10, Qt::black);
+    int inked = 0;
+    for (int y = 0; y < 200; ++y)
+      for (int x = 0; x < 200; ++x) inked += IsWhite(s.PixelAt(x, y)) ? 0 : 1;
+    QVERIFY(inked > 60 && inked < 140);
+  }
+
+  void drawWidthWidensLinesAndPoints() {
+    Surface s(40, 40);
+    s.SetScale(0, 0, 40, 40);
+    s.SetBackColour(Qt::white);
+    s.SetDrawWidth(2);
+    s.Line(20, 5, 20, 35, Qt::black);
+    s.Point(5, 5, Qt::black);
+    s.SetDrawWidth(1);
+    int wide = 0;
+    for (int x = 0; x < 40; ++x) wide += IsWhite(s.PixelAt(x, 20)) ? 0 : 1;
+    QCOMPARE(wide, 2);
+    int point = 0;
+    for (int y = 0; y < 12; ++y)
+      for (int x = 0; x < 12; ++x) point += IsWhite(s.PixelAt(x, y)) ? 0 : 1;
+    QCOMPARE(point, 4);
+  }
+
   void clearReturnsToStoredBackground() {
     Surface s(50, 50);
     s.SetScale(0, 0, 50, 50);

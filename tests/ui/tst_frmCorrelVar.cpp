@@ -157,6 +157,33 @@ class tst_frmCorrelVar : public QObject {
     QCOMPARE(f.dialogs.Messages.back().Title, std::string("Error"));
     QVERIFY(!f.session.EofDone);
   }
+
+  void returnConfirmsTheDialog() {
+    MainFixture f;
+    f.ImportReference(f.Write("reference.csv", kReference));
+    frmCorrelVar* d = f.window->CorrelVar();
+    QVERIFY(d->isVisible());
+    QVERIFY(d->Command1->isDefault());
+    // The focus on an option, as after a click on it: Return still confirms.
+    d->Option1[0]->setFocus();
+    QTest::keyClick(d, Qt::Key_Return);
+    QVERIFY(f.session.EofDone);
+    QVERIFY(f.session.UseCorrelation == false);
+    QVERIFY(!d->isVisible());
+    QVERIFY(f.window->isEnabled());
+    QCOMPARE(f.ended, 0);
+  }
+
+  void escapeDoesWhatClosingDoes() {
+    MainFixture f;
+    f.ImportReference(f.Write("reference.csv", kReference));
+    frmCorrelVar* d = f.window->CorrelVar();
+    QVERIFY(d->isVisible());
+    QTest::keyClick(d, Qt::Key_Escape);
+    QVERIFY(!d->isVisible());
+    QVERIFY(!f.session.EofDone);
+    QCOMPARE(f.ended, 1);
+  }
 };
 
 QTEST_MAIN(tst_frmCorrelVar)

@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QMenu>
+#include <QMessageBox>
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -18,6 +19,7 @@
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <cmath>
 #include <memory>
 
@@ -29,6 +31,7 @@
 #include "presentation/DiagramFigure.h"
 #include "state/Import.h"
 #include "ui/PictureBox.h"
+#include "ui/QtDialogs.h"
 #include "ui/ScriptedDialogs.h"
 #include "ui/frmDiagram.h"
 
@@ -473,41 +476,120 @@ class tst_frmDiagram : public QObject {
     R::FrameRules r = R::ApplyFrameRules(QSize(100, 100), QSize(10, 10));
     QCOMPARE(r.Size, QSize(267, 400));
     QCOMPARE(r.Messages, 0);
-    // A diagram below 500 twips high: the message, and 5000 twips high.
+    // A diagram below 500 twips high: the message, and the diagram itself
+    // 5000 twips high again beside the margins.
     r = R::ApplyFrameRules(QSize(600, 420), QSize(100, 400));
     QCOMPARE(r.Messages, 1);
-    QCOMPARE(r.Size, QSize(600, 333));
-    // Too narrow as well: one message only, and 3500 twips wide.
+    QCOMPARE(r.Size, QSize(600, 400 + 333));
+    // Too narrow as well: one message only, and the diagram 3500 twips wide.
     r = R::ApplyFrameRules(QSize(300, 420), QSize(290, 400));
     QCOMPARE(r.Messages, 1);
-    QCOMPARE(r.Size, QSize(233, 333));
+    QCOMPARE(r.Size, QSize(290 + 233, 400 + 333));
     r = R::ApplyFrameRules(QSize(300, 700), QSize(290, 400));
     QCOMPARE(r.Messages, 1);
-    QCOMPARE(r.Size, QSize(233, 700));
+    QCOMPARE(r.Size, QSize(290 + 233, 700));
     r = R::ApplyFrameRules(QSize(1000, 700), QSize(266, 240));
     QCOMPARE(r.Messages, 0);
     QCOMPARE(r.Size, QSize(1000, 700));
+    // This layout's margins: 314 pixels across. A window of 4000 twips
+    // shows no diagram there; the rule restores a usable one.
+    r = R::ApplyFrameRules(QSize(340, 700), QSize(314, 220));
+    QCOMPARE(r.Messages, 1);
+    QVERIFY(r.Size.width() - 314 >= 500 / 15);
+  }
+
+  void smallestWindowStillShowsTheDiagram() {
+    using R = frmDiagram;
+    // 500 twips of diagram beside the margins, and the row of controls.
+    const QSize m(314, 220);
+    const QSize smallest = R::SmallestWindow(m);
+    QVERIFY(smallest.width() - m.width() >= 34);
+    QVERIFY(smallest.height() - m.height() >= 34);
+    QVERIFY(smallest.width() >= 267 && smallest.height() >= 400);
+    const R::FrameRules r = R::ApplyFrameRules(smallest, m);
+    QCOMPARE(r.Messages, 0);
+    QCOMPARE(r.Size, smallest);
   }
 
   void frameTooSmallInTheWindow() {
     Fixture f;
     f.Open();
     QVERIFY(f.dialogs.Messages.empty());
-    f.w->resize(250, 700);
+    // Squeezed: the window stops at its smallest size, which still shows a
+    // diagram of 500 twips and every control of the row below it.
+    f.w->resize(250, 300);
     QCoreApplication::processEvents();
-    QCOMPARE(int(f.dialogs.Messages.size()), 1);
-    QCOMPARE(QString::fromStdString(f.dialogs.Messages[0].Text), QString("Frame too small"));
-    QCOMPARE(QString::fromStdString(f.dialogs.Messages[0].Title), QString("Error"));
-    QCOMPARE(f.w->width(), 233);
-    Shot(f.w.get(), "diagram-too-small");
+    QVERIFY(f.dialogs.Messages.empty());
+    QCOMPARE(f.w->size(), f.w->minimumSize());
+    QVERIFY(f.w->Picture1->width() * 15 >= 500);
+    QVERIFY(f.w->Picture1->height() * 15 >= 500);
+    QCOMPARE(f.w->Picture1->width(), f.w->width() - f.w->Margins().width());
+    const QRect row = f.w->Slider3->geometry();
+    QVERIFY(row.right() < f.w->centralWidget()->width());
+    QVERIFY(!f.w->Check1->geometry().intersects(f.w->UpDown1->geometry()));
+    QVERIFY(!f.w->Picture2->geometry().intersects(f.w->Picture1->geometry()));
+    QCOMPARE(f.P1().Width(), f.w->Picture1->width());
+    Shot(f.w.get(), "diagram-smallest");
     // Large again: the panels follow and the diagram is drawn at its new size.
     f.w->resize(900, 650);
     QCoreApplication::processEvents();
-    QCOMPARE(int(f.dialogs.Messages.size()), 1);
+    QVERIFY(f.dialogs.Messages.empty());
     QCOMPARE(f.w->Picture1->width(), 900 - f.w->Margins().width());
     QCOMPARE(f.P1().Width(), f.w->Picture1->width());
     QCOMPARE(f.P1().PixelAtUser(f.X0(1), (f.Y(2) + f.Y(3)) / 2), kBlack);
     Shot(f.w.get(), "diagram-900x650");
+  }
+
+  void outCountLeavesWithTheEofCurve() {
+    Fixture f;
+    f.s.SampleIsOut(2) = true;
+    f.Open();
+    QVERIFY(f.w->Label4->isVisible());
+    QCOMPARE(f.w->Label4->text(), QString("Out count:  1"));
+    f.w->nmuConiss->trigger();
+    QVERIFY(f.w->nmuConiss->isChecked());
+    QVERIFY(!f.w->Label4->isVisible());
+    f.w->nmuConiss->trigger();
+    QVERIFY(f.w->Label4->isVisible());
+  }
+
+  void emptySampleShowsItsLabelInTheList() {
+    Fixture f;
+    f.Open();
+    // The third sample is empty and has no entry of its own.
+    QCOMPARE(f.w->Combo2->findText("20"), -1);
+    f.w->Slider1->setValue(3);
+    QCOMPARE(f.w->Combo2->currentIndex(), -1);
+    QCOMPARE(f.w->Combo2->placeholderText(), QString("20"));
+    f.w->Slider1->setValue(4);
+    QCOMPARE(f.w->Combo2->currentText(), QString("30"));
+  }
+
+  void dialogsStandOverTheDiagram() {
+    // Real dialogs: a save dialog raised by the diagram's own menu belongs
+    // to the diagram, not to the main window that the dialogs start with.
+    Session s;
+    ColourSettings colours;
+    QtDialogs dialogs;
+    QWidget main;
+    dialogs.SetParent(&main);
+    NoProgress progress;
+    frmDiagram d(s, colours, dialogs, progress);
+    d.show();
+    QWidget* parentSeen = nullptr;
+    bool seen = false;
+    QTimer::singleShot(0, &d, [&] {
+      QWidget* box = QApplication::activeModalWidget();
+      if (!box) return;
+      seen = true;
+      parentSeen = box->parentWidget();
+      box->close();
+    });
+    d.mnuSaveEOF->trigger();
+    QVERIFY(seen);
+    QCOMPARE(parentSeen, static_cast<QWidget*>(&d));
+    // The main window's own dialogs stand over it again.
+    QCOMPARE(dialogs.Parent(), &main);
   }
 
   void statusBarTellsTaxonSampleAndValue() {

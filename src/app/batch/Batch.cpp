@@ -1,5 +1,6 @@
 #include "Batch.h"
 
+#include <cctype>
 #include <iostream>
 
 namespace varnoth::batch {
@@ -12,6 +13,22 @@ void BatchDialogs::Message(const std::string& text, const std::string&) {
 bool BatchDialogs::Question(const std::string& text, const std::string&) {
   if (!acceptNames_) std::cerr << "Error: " << text << " (answered No; see --accept-names)\n";
   return acceptNames_;
+}
+
+void Stop(const std::string& message) {
+  std::cerr << "Error: " << message << "\n";
+  throw RunStopped{};
+}
+
+void Written(bool written, const std::string& path) {
+  if (!written) Stop("Cannot write " + path + ".");
+}
+
+std::string FilePart(const std::string& name) {
+  std::string out = name;
+  for (char& c : out)
+    if (!std::isalnum(static_cast<unsigned char>(c)) && c != '-' && c != '_' && c != '.') c = '_';
+  return out;
 }
 
 std::vector<Step>& Steps() {

@@ -76,6 +76,13 @@ struct Step {
   std::function<void(Context&)> Run;
 };
 
+// Prints "Error: <message>" and stops the run with exit code 1.
+[[noreturn]] void Stop(const std::string& message);
+// Stops the run when a result file could not be written.
+void Written(bool written, const std::string& path);
+// A parameter's name as part of a file name.
+std::string FilePart(const std::string& name);
+
 // Called from a static initialiser of each step's file.
 bool RegisterStep(Step step);
 std::vector<Step>& Steps();

@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "Batch.h"
+#include "ReconstructionStep.h"
 #include "reconstruction/AnalogueSearch.h"
 #include "reconstruction/ClimateImport.h"
 #include "reconstruction/Curves.h"
@@ -56,10 +57,15 @@ long ThresholdSlider(const Options& o) {
   return static_cast<long>(hundredths);
 }
 
+// The interpolated climate stands in for a climate file.
+bool Applies(const Options& o) {
+  return o.Has("--climate") || (o.Has("--stations") && o.Has("--fossil"));
+}
+
 void Check(const Options& o) {
-  if (!o.Has("--climate")) {
+  if (!Applies(o)) {
     for (const auto& name : kOwnOptions)
-      if (o.Has(name)) throw UsageError{name + " needs --climate"};
+      if (o.Has(name)) throw UsageError{name + " needs --climate, or --stations with --fossil"};
     return;
   }
   if (!o.Has("--reference") || !o.Has("--fossil"))
@@ -108,30 +114,16 @@ AnalogueSettings SettingsFrom(const Session& s, const Options& o) {
   return st;
 }
 
-[[noreturn]] void Stop(const std::string& message) {
-  std::cerr << "Error: " << message << "\n";
-  throw RunStopped{};
-}
-
-// A parameter's name as part of a file name.
-std::string FilePart(const std::string& name) {
-  std::string out = name;
-  for (char& c : out)
-    if (!std::isalnum(static_cast<unsigned char>(c)) && c != '-' && c != '_' && c != '.') c = '_';
-  return out;
-}
-
-void Write(bool written, const std::string& path) {
-  if (!written) Stop("Cannot write " + path + ".");
-}
-
 void RunReconstructionStep(Context& c) {
   Session& s = c.S;
   NoProgress progress;
   if (!s.EofDone || !s.ProjectionDone)
     Stop("The reconstruction needs the EOF analysis of both tables.");
   const std::string path = c.Opts.Get("--climate");
-  ClimateImportResult imported = Inport_climate_data(s, path, c.Dialogs);
+  // Climate handed over by the interpolation needs no file.
+  ClimateImportResult imported;
+  imported.Ok = s.SiteInfoLoaded;
+  if (!imported.Ok) imported = Inport_climate_data(s, path, c.Dialogs);
   if (!imported.Ok) {
     if (imported.Failure == FailureKind::FileNotFound)
       Stop("Cannot read the climate file " + path + ".");
@@ -150,20 +142,25 @@ void RunReconstructionStep(Context& c) {
          std::string(kNoAnalogueLines[1]).substr(1) + " " +
          std::string(kNoAnalogueLines[2]).substr(1));
 
-  Write(SaveCurveAll(s, c.Out("curve-all.csv"), progress), c.Out("curve-all.csv"));
-  Write(SaveCurveAllwithE(s, c.Out("curve-all-with-error.csv"), progress),
-        c.Out("curve-all-with-error.csv"));
-  Write(SaveDistAna(s, c.Out("analogue-details.csv"), progress), c.Out("analogue-details.csv"));
-  Write(SaveCurve(s, c.Out("curve.csv"), progress), c.Out("curve.csv"));
-  Write(SaveCurveWithE(s, c.Out("curve-with-error.csv"), progress), c.Out("curve-with-error.csv"));
+  Written(SaveCurveAll(s, c.Out("curve-all.csv"), progress), c.Out("curve-all.csv"));
+  Written(SaveCurveAllwithE(s, c.Out("curve-all-with-error.csv"), progress),
+          c.Out("curve-all-with-error.csv"));
+  const SiteInfo sites{s.Interp.SiteMapNames, s.Interp.SiteLongitude, s.Interp.SiteLatitude,
+                       s.Interp.SiteAltitude};
+  Written(
+      SaveDistAna(s, c.Out("analogue-details.csv"), progress, s.SiteInfoLoaded ? &sites : nullptr),
+      c.Out("analogue-details.csv"));
+  Written(SaveCurve(s, c.Out("curve.csv"), progress), c.Out("curve.csv"));
+  Written(SaveCurveWithE(s, c.Out("curve-with-error.csv"), progress),
+          c.Out("curve-with-error.csv"));
 
-  if (!c.Opts.Has("--error-model")) return;
+  if (!c.Opts.Has("--error-model") && !c.Opts.Has("--calibrate")) return;
   GenerateErrorModel(s, st, progress);
   const Count shown = s.CurrentParameter;
   for (Count p = 1; p <= s.ClimateParamCount; ++p) {
     s.CurrentParameter = p;
     const std::string file = c.Out("scatter-" + FilePart(s.ClimateParamNames(p)) + ".csv");
-    Write(SaveScatter(s, file, progress), file);
+    Written(SaveScatter(s, file, progress), file);
   }
   s.CurrentParameter = shown;
   s.ErrorModelReady = true;
@@ -182,8 +179,14 @@ const bool registered = RegisterStep(
           {"--parameter", "NAME", "parameter of curve.csv and curve-with-error.csv (the first)"},
           {"--error-model", "", "leave-one-out estimates: one scatter-<parameter>.csv each"}},
          Check,
-         [](const Options& o) { return o.Has("--climate"); },
+         Applies,
          RunReconstructionStep});
 
 }  // namespace
+
+AnalogueSettings AnalogueSettingsFrom(const Session& s, const Options& o) {
+  return SettingsFrom(s, o);
+}
+long ThresholdSliderFrom(const Options& o) { return ThresholdSlider(o); }
+
 }  // namespace varnoth::batch

@@ -2,6 +2,9 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <string>
+#include <system_error>
+#include <vector>
 
 #include "Batch.h"
 #include "state/Failure.h"
@@ -33,9 +36,17 @@ void PrintUsage(std::ostream& out) {
   }
 }
 
+// The example set beside the working folder, where an installed program
+// keeps it (share/varnoth/examples next to bin/), or in the source tree.
 std::string ExamplesDir() {
-  for (const char* candidate : {"data/examples", VARNOTH_EXAMPLES_DIR})
-    if (std::filesystem::exists(std::string(candidate) + "/reference.csv")) return candidate;
+  std::vector<std::string> candidates = {"data/examples"};
+  std::error_code error;
+  const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (!error)
+    candidates.push_back((self.parent_path().parent_path() / "share/varnoth/examples").string());
+  candidates.push_back(VARNOTH_EXAMPLES_DIR);
+  for (const std::string& candidate : candidates)
+    if (std::filesystem::exists(candidate + "/reference.csv")) return candidate;
   return "data/examples";
 }
 

@@ -1,24 +1,31 @@
 // Renders the windows of the program to PNG files with no display, after a
 // scripted road through the example data: for looking at what users see.
 //   varnoth-shots [output folder] [reference.csv fossil.csv]
+//   varnoth-shots --probe | --grab picture.png   (on a real X display)
 #include <QAction>
 #include <QApplication>
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDir>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
 #include <cstdio>
+#include <string>
 
 #include "presentation/Colours.h"
 #include "state/Session.h"
+#include "ui/PictureBox.h"
 #include "ui/ScriptedDialogs.h"
 #include "ui/frmAbout1.h"
 #include "ui/frmColor.h"
 #include "ui/frmControl.h"
 #include "ui/frmCorrelVar.h"
 #include "ui/frmDiagram.h"
+#include "ui/frmECC.h"
+#include "ui/frmMAT.h"
 #include "ui/frmMain.h"
 #include "ui/frmTest.h"
 
@@ -37,9 +44,59 @@ void Shot(QWidget* w, const char* name) {
   std::printf("%s\n", qPrintable(path));
 }
 
+// The reconstruction of the example core: the curve with error bars and
+// smoothing, the widened window after the error model, in colour and grey.
+void ShotReconstruction(varnoth::frmMain& w, varnoth::ScriptedDialogs& dialogs) {
+  w.Command8->click();
+  varnoth::frmMAT* mat = w.MATWindow();
+  Shot(mat, "mat-start");
+  dialogs.OpenNames.push_back(std::string(VARNOTH_EXAMPLES_DIR) + "/climate.csv");
+  mat->Command1->click();
+  Shot(mat, "mat-curve");
+  mat->Check5->click();
+  Shot(mat, "mat-curve-error-bars");
+  mat->Command3->click();
+  Shot(mat, "mat-error-model");
+  w.mnuGrey->trigger();
+  Shot(mat, "mat-error-model-grey");
+  w.mnuColor->trigger();
+  mat->hide();
+}
+
+// The EOF-climate correlation window from the diagram's Tools menu, with
+// the example climate file read on the way; then a pointer over a cell and
+// a click on another pair.
+void EccShots(varnoth::frmMain& w, varnoth::ScriptedDialogs& dialogs) {
+  varnoth::frmDiagram* diagram = w.DiagramWindow();
+  if (diagram->nmuConiss->isChecked()) diagram->nmuConiss->trigger();
+  dialogs.Answers.push_back(true);
+  dialogs.OpenNames.push_back(std::string(VARNOTH_EXAMPLES_DIR) + "/climate.csv");
+  diagram->mnuECC->trigger();
+  varnoth::frmECC* ecc = w.EccWindow();
+  Shot(ecc, "ecc");
+  // The cell of EOF 2 and the second parameter, in pixels at 15 twips each.
+  const QPointF cell(1050.0 * 1 / 15 + 20, (45.0 + 225 * 1) / 15 + 5);
+  QMouseEvent move(QEvent::MouseMove, cell, ecc->Picture2->mapToGlobal(cell), Qt::NoButton,
+                   Qt::NoButton, Qt::NoModifier);
+  QApplication::sendEvent(ecc->Picture2, &move);
+  Shot(ecc, "ecc-hover");
+  QMouseEvent press(QEvent::MouseButtonPress, cell, ecc->Picture2->mapToGlobal(cell),
+                    Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(ecc->Picture2, &press);
+  Shot(ecc, "ecc-click");
+  Shot(diagram, "diagram-after-ecc");
+  ecc->hide();
+}
+
 }  // namespace
 
+// On a real X display, in x11.cpp.
+int ProbeMainWindow(int argc, char* argv[]);
+int GrabScreen(int argc, char* argv[]);
+
 int main(int argc, char* argv[]) {
+  if (argc > 1 && std::string(argv[1]) == "--probe") return ProbeMainWindow(argc, argv);
+  if (argc > 1 && std::string(argv[1]) == "--grab") return GrabScreen(argc, argv);
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication app(argc, argv);
   g_folder = argc > 1 ? QString(argv[1]) : QString("shots");
@@ -118,16 +175,19 @@ int main(int argc, char* argv[]) {
   // The pollen diagram of the core in its five styles, then with CONISS.
   w.Command14->click();
   varnoth::frmDiagram* diagram = w.DiagramWindow();
-  const std::pair<QAction*, const char*> styles[] = {
-      {diagram->mnuBar, "diagram-bar"},     {diagram->mnuArea, "diagram-area"},
-      {diagram->mnuDot, "diagram-dot"},     {diagram->mnuCurve, "diagram-curve"},
-      {diagram->mnuDotCurve, "diagram-dot-curve"}};
+  const std::pair<QAction*, const char*> styles[] = {{diagram->mnuBar, "diagram-bar"},
+                                                     {diagram->mnuArea, "diagram-area"},
+                                                     {diagram->mnuDot, "diagram-dot"},
+                                                     {diagram->mnuCurve, "diagram-curve"},
+                                                     {diagram->mnuDotCurve, "diagram-dot-curve"}};
   for (const auto& [action, name] : styles) {
     action->trigger();
     Shot(diagram, name);
   }
   diagram->nmuConiss->trigger();
   Shot(diagram, "diagram-coniss");
+  ShotReconstruction(w, dialogs);
+  EccShots(w, dialogs);
   diagram->hide();
 
   varnoth::frmAbout1* about = w.AboutWindow();

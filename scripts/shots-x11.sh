@@ -1,0 +1,116 @@
+#!/usr/bin/env bash
+# The road of one analysis as a user meets it: the program on a real X
+# display (Xvfb, 1280 x 1024) with a window manager (openbox), driven by
+# xdotool through the keyboard and by clicks on named controls, with a
+# picture of the whole screen after each step.
+#   scripts/shots-x11.sh [build folder] [output folder]
+set -euo pipefail
+BUILD=${1:-build}
+OUT=${2:-shots-x11}
+ROOT=$(cd "$(dirname "$0")/.." && pwd)
+EXAMPLES="$ROOT/data/examples"
+
+# What the road needs beyond the build, installed only when missing.
+packages=(xvfb openbox xdotool)
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+if [ ${#missing[@]} -gt 0 ]; then
+  echo "Installing: ${missing[*]}"
+  SUDO=""
+  [ "$(id -u)" -eq 0 ] || SUDO=sudo
+  $SUDO apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
+fi
+
+mkdir -p "$OUT"
+rm -f "$OUT"/*.png
+# A display number of its own, so that other runs are left alone.
+NUMBER=${VARNOTH_DISPLAY:-$((90 + $$ % 100))}
+export DISPLAY=":$NUMBER"
+export QT_QPA_PLATFORM=xcb
+pids=()
+cleanup() {
+  for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
+}
+trap cleanup EXIT
+
+Xvfb "$DISPLAY" -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 &
+pids+=($!)
+for _ in $(seq 50); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done 2>/dev/null || sleep 2
+openbox >/dev/null 2>&1 &
+pids+=($!)
+sleep 1
+
+step=0
+shot() {
+  step=$((step + 1))
+  sleep 0.8
+  "$BUILD/varnoth-shots" --grab "$OUT/$(printf '%02d' $step)-$1.png" >/dev/null
+  echo "$OUT/$(printf '%02d' $step)-$1.png"
+}
+key() {
+  xdotool key --clearmodifiers "$@"
+  sleep 0.5
+}
+type_path() {
+  sleep 1
+  xdotool type --delay 5 "$1"
+  key Return
+}
+
+# Where the main window's controls stand, by name.
+probe=$("$BUILD/varnoth-shots" --probe)
+click() {
+  local x y
+  read -r x y < <(awk -v n="$1" '$1 == n { print $2, $3 }' <<<"$probe")
+  xdotool windowactivate --sync "$main" 2>/dev/null || true
+  xdotool mousemove --window "$main" "$x" "$y" click 1
+  sleep 0.7
+}
+
+"$BUILD/varnoth" >/dev/null 2>&1 &
+app=$!
+pids+=($app)
+main=$(xdotool search --sync --onlyvisible --name '^Varnoth' | head -1)
+shot start
+
+# Ctrl+O imports the reference table; the pre-treatment dialog follows.
+xdotool windowactivate --sync "$main"
+key ctrl+o
+shot open-dialog
+type_path "$EXAMPLES/reference.csv"
+shot pretreatment
+key Return
+shot eofs
+key ctrl+o
+type_path "$EXAMPLES/fossil.csv"
+shot projected
+click Command11
+shot envelope
+# The tightest envelope: the test runs again and the status line follows.
+click Slider1
+key Home
+shot envelope-tight
+click Command3
+shot control-panel
+panel=$(xdotool search --onlyvisible --name '^Control panel$' | head -1 || true)
+[ -n "$panel" ] && xdotool windowclose "$panel" 2>/dev/null || true
+click Command14
+shot diagram
+diagram=$(xdotool search --onlyvisible --name '^Diagram$' | head -1)
+xdotool windowactivate --sync "$diagram"
+key alt+t c
+shot diagram-coniss
+key alt+t c
+# Squeezed by the user: the diagram keeps its smallest usable size.
+xdotool windowsize --sync "$diagram" 200 300 2>/dev/null || xdotool windowsize "$diagram" 200 300
+shot diagram-smallest
+xdotool windowsize "$diagram" 1000 720
+# Ctrl+Q in the main window ends the program.
+xdotool windowactivate --sync "$main"
+key ctrl+q
+for _ in $(seq 30); do kill -0 "$app" 2>/dev/null || break; sleep 0.2; done
+if kill -0 "$app" 2>/dev/null; then echo "the program did not end on Ctrl+Q" >&2; exit 1; fi
+echo "the road ended with Ctrl+Q"

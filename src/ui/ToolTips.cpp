@@ -1,0 +1,182 @@
+#include "ui/ToolTips.h"
+
+#include <QWidget>
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace varnoth {
+
+namespace {
+
+using Table = std::vector<std::pair<const char*, const char*>>;
+
+const Table& MainTips() {
+  static const Table t = {
+      {"Command5", "Read the modern reference table (sites by taxa) from a CSV file"},
+      {"Command6", "Read the fossil table (samples down the core by taxa) from a CSV file"},
+      {"Command3", "Choose which EOFs stand on the axes and which take part in the envelope"},
+      {"Label6", "Whether the envelope uses EOFs beyond those on screen"},
+      {"Slider4", "Zoom of the figures: the axes reach 2 to the power of this value"},
+      {"LabelRange", "Zoom of the figures"},
+      {"Option4_0", "Show two EOFs as a flat plot"},
+      {"Option4_1", "Show three EOFs in a turning view"},
+      {"Check1", "Add a second picture beside each figure for a stereo pair"},
+      {"Check4", "Draw ticks and the axis limits on the figures"},
+      {"Check2", "Stop the turning of the 3-D view"},
+      {"Check3", "Turn the 3-D view the other way"},
+      {"Slider2_1", "Turn the view about the vertical axis, in degrees"},
+      {"Slider2_2", "Tilt the view, in degrees"},
+      {"Slider3", "Speed of the turning view"},
+      {"Label_0", "Turn of the view"},
+      {"Label_1", "Tilt of the view"},
+      {"Label3", "Speed of the turning view"},
+      {"Option6_0", "Change the EOFs on the axes by themselves, at the interval below"},
+      {"Option6_1", "Change the EOFs on the axes with the buttons below"},
+      {"Slider5", "Seconds between two changes of the EOFs on the axes"},
+      {"Label7", "Seconds between two changes of the EOFs on the axes"},
+      {"Command4_0", "Bring the previous EOFs onto the axes"},
+      {"Command4_1", "Bring the next EOFs onto the axes"},
+      {"Option2_0", "Write every taxon's name in the taxa figure"},
+      {"Option2_1", "Mark one taxon at a time; step with the buttons or choose by name"},
+      {"Option2_2", "Write no taxon names"},
+      {"Combo3", "Choose the taxon to mark"},
+      {"Command1_0", "Mark the previous taxon"},
+      {"Command1_1", "Mark the next taxon"},
+      {"Option3_0", "Write every reference site's name"},
+      {"Option3_1", "Mark one site at a time; step with the buttons or choose by name"},
+      {"Option3_2", "Write no site names"},
+      {"Combo4", "Choose the reference site to mark"},
+      {"Command2_0", "Mark the previous reference site"},
+      {"Command2_1", "Mark the next reference site"},
+      {"Option5_0", "Write every fossil sample's label"},
+      {"Option5_1", "Mark one sample at a time; the diagram marks the same sample"},
+      {"Option5_2", "Write no sample labels"},
+      {"Combo1", "Choose the fossil sample to mark"},
+      {"Command13_0", "Mark the sample above (the previous one)"},
+      {"Command13_1", "Mark the sample below (the next one)"},
+      {"Command11", "Test which fossil samples lie outside the envelope of the modern sites"},
+      {"Slider1", "How tight the envelope is: to the left tighter, to the right looser"},
+      {"Label1", "A tighter envelope marks more samples as outside"},
+      {"Label2", "A looser envelope marks fewer samples as outside"},
+      {"Label4", "Tolerance of the envelope test"},
+      {"Command14", "Open the stratigraphic diagram of the fossil data with an EOF curve"},
+      {"Command8", "Open the reconstruction of climate by modern analogues"},
+      {"Command9", "Write a table of working values to a file"},
+      {"Command7", "End the program; nothing is saved"},
+      {"Picture1_0", "Taxa on the EOF axes; right click to copy or save the loadings"},
+      {"Picture1_1", "Stereo partner of the taxa figure; right click to copy"},
+      {"Picture2_0",
+       "Reference sites and fossil samples on the EOF axes; right click to copy or save scores"},
+      {"Picture2_1", "Stereo partner of the sites and samples figure; right click to copy"},
+      {"Picture3", "How many EOFs the envelope uses"},
+      {"Label8", "EOFs on the X, Y and Z axes"},
+      {"Label9", "EOFs of the envelope test"},
+      {"ProgressBar1", "Progress of the work under way"},
+      {"StatusState", "How far the analysis has come"},
+      {"StatusPointer", "EOF coordinates of the pointer on a figure"},
+  };
+  return t;
+}
+
+const Table& CorrelVarTips() {
+  static const Table t = {
+      {"Option2_0", "Divide each row by its sum, so that the taxa are fractions of the count"},
+      {"Option2_1", "Keep the values as they are in the file"},
+      {"Check1", "Give rare taxa more weight before the analysis"},
+      {"Option3_0", "Take the square root of each value"},
+      {"Option3_1", "Take a logarithm: 1 % becomes 0, 100 % becomes 1, below 1 % is cut to 0"},
+      {"Option1_0", "EOFs of the correlation matrix: every taxon counts alike"},
+      {"Option1_1", "EOFs of the variance / covariance matrix: abundant taxa count more"},
+      {"Command1", "Treat the data and compute the EOFs (Return)"},
+  };
+  return t;
+}
+
+const Table& ControlTips() {
+  static const Table t = {
+      {"Combo1_1", "EOF on the X axis"},
+      {"Combo1_2", "EOF on the Y axis"},
+      {"Combo1_3", "EOF on the Z axis"},
+      {"Check1", "Let the envelope use more EOFs than those on screen"},
+      {"List1", "All EOFs; select those to add to the envelope"},
+      {"List2", "EOFs that take part in the envelope"},
+      {"Command1", "Add the EOFs selected on the left to the envelope"},
+      {"Command2", "Remove the selected EOFs from the envelope"},
+      {"Picture1_0", "EOF number"},
+      {"Picture1_1", "Share of the variance that each EOF holds"},
+      {"Picture1_2", "Share of the variance held by this and the EOFs before it"},
+      {"VScroll1", "Scroll the table of EOFs"},
+      {"Picture2", "Share of the first three EOFs and the number of taxa"},
+      {"Picture3", "Share of the EOFs of the envelope"},
+      {"Command3", "Apply the choice and test the envelope again"},
+      {"Command4", "Apply the choice and close the panel"},
+  };
+  return t;
+}
+
+const Table& DiagramTips() {
+  static const Table t = {
+      {"Picture1", "Percentages of each taxon down the core; right click to copy"},
+      {"Picture2", "Score of the chosen EOF down the core; right click to copy or save"},
+      {"Picture4", "Taxon names; right click to copy"},
+      {"DepthScale", "Sample labels (depth or age)"},
+      {"Slider1", "Selected sample: drag to move the line through the core"},
+      {"Combo2", "Choose the selected sample by its label"},
+      {"UpDown1", "Step the selected sample by one"},
+      {"Check1", "Draw the line of the selected sample; the main window names the same sample"},
+      {"Slider2", "Half width of the EOF axis: 2 to the power of this value"},
+      {"Combo1", "EOF shown down the core"},
+      {"Label4", "Samples outside the envelope (bars on the EOF curve)"},
+      {"Slider3", "Horizontal exaggeration of the taxon columns"},
+      {"CaptionSlider3", "Horizontal exaggeration of the taxon columns"},
+      {"HScroll1", "Scroll through the taxa"},
+      {"StatusBar1", "Taxon, sample and value under the pointer"},
+  };
+  return t;
+}
+
+const Table& ColorTips() {
+  static const Table t = {
+      {"Picture2_0", "Red of the ramp: drag the four points"},
+      {"Picture2_1", "Green of the ramp: drag the four points"},
+      {"Picture2_2", "Blue of the ramp (grey in grey mode): drag the four points"},
+      {"Picture1", "The colour ramp from 0 (left) to 1 (right)"},
+      {"Slider1", "Values up to this one are white"},
+      {"Label3", "Values up to this one are white"},
+      {"LabelWhite", "Values up to the slider's value are white"},
+      {"Command1", "Use the grey ramp and grey figure colours"},
+      {"Command3", "Use the colour ramp and figure colours again"},
+      {"Command2", "Close the window"},
+  };
+  return t;
+}
+
+const Table* TableFor(const QString& window) {
+  static const std::map<QString, const Table*> tables = {
+      {"frmMain", &MainTips()},       {"frmCorrelVar", &CorrelVarTips()},
+      {"frmControl", &ControlTips()}, {"frmDiagram", &DiagramTips()},
+      {"frmColor", &ColorTips()},
+  };
+  const auto found = tables.find(window);
+  return found == tables.end() ? nullptr : found->second;
+}
+
+}  // namespace
+
+QStringList ExplainControls(QWidget* window) {
+  QStringList missing;
+  const Table* table = TableFor(window->objectName());
+  if (!table) return missing;
+  for (const auto& [name, tip] : *table) {
+    QWidget* control = window->findChild<QWidget*>(name);
+    if (!control) {
+      missing << name;
+      continue;
+    }
+    control->setToolTip(tip);
+  }
+  return missing;
+}
+
+}  // namespace varnoth
