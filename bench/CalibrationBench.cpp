@@ -9,6 +9,7 @@
 
 #include <random>
 
+#include "CalibSynthetic.h"
 #include "calibration/MatrixChain.h"
 #include "calibration/PairSets.h"
 #include "state/Dialogs.h"
@@ -18,35 +19,7 @@ using namespace varnoth;
 namespace {
 
 constexpr long N = kGridLast + 1;
-constexpr long kPairs = 2000;
-
-class Quiet final : public Dialogs {
- public:
-  std::optional<std::string> OpenFileName(const std::string&) override { return std::nullopt; }
-  std::optional<std::string> SaveFileName(const std::string&) override { return std::nullopt; }
-  void Message(const std::string&, const std::string&) override {}
-  bool Question(const std::string&, const std::string&) override { return false; }
-};
-
-CalibState MakeState() {
-  CalibState c;
-  Quiet quiet;
-  c.Text1 = "0";
-  c.Text2 = "30";
-  SetRange(c, quiet);
-  std::mt19937 rng(5);
-  std::uniform_real_distribution<float> x(-2.0f, 32.0f);
-  std::normal_distribution<float> e(0.0f, 1.5f);
-  for (long s = 1; s <= kPairs; ++s) {
-    const float v = x(rng);
-    c.PairData(0, s, 1) = v;
-    c.PairData(0, s, 2) = v + e(rng) * (0.5f + v / 30);
-  }
-  c.FitSlope[1] = 0.98f;
-  c.FitIntercept[1] = 0.3f;
-  c.FitStdDev[1] = 1.2f;
-  return c;
-}
+constexpr long kPairs = bench::kCalibPairs;
 
 ChainContext Context() {
   ChainContext ctx;
@@ -55,7 +28,7 @@ ChainContext Context() {
 }
 
 void BM_CalibrationChain(benchmark::State& state) {
-  CalibState c = MakeState();
+  CalibState c = bench::MakeCalibState();
   const CalibSettings st;
   const ChainContext ctx = Context();
   for (auto _ : state) {
@@ -66,7 +39,7 @@ void BM_CalibrationChain(benchmark::State& state) {
 BENCHMARK(BM_CalibrationChain)->Unit(benchmark::kMillisecond);
 
 void BM_CalibrationSmoothingTail(benchmark::State& state) {
-  CalibState c = MakeState();
+  CalibState c = bench::MakeCalibState();
   CalibSettings st;
   const ChainContext ctx = Context();
   RunChainFrom(c, st, ChainStep::GaussianModel, ctx);
@@ -83,7 +56,7 @@ BENCHMARK(BM_CalibrationSmoothingTail)->Unit(benchmark::kMillisecond);
 // The product of the smoothing step (the banded kernel times the counts
 // carried through the model), as the chain computes it.
 void BM_SmoothingProduct(benchmark::State& state) {
-  CalibState c = MakeState();
+  CalibState c = bench::MakeCalibState();
   const CalibSettings st;
   RunChainFrom(c, st, ChainStep::GaussianModel, Context());
   NoProgress progress;
@@ -109,7 +82,7 @@ void PlainProduct(CalibState& m, int a, int b, int c) {
 }
 
 void BM_SmoothingProductPlain(benchmark::State& state) {
-  CalibState c = MakeState();
+  CalibState c = bench::MakeCalibState();
   const CalibSettings st;
   RunChainFrom(c, st, ChainStep::GaussianModel, Context());
   for (auto _ : state) {

@@ -1,17 +1,26 @@
 # The desktop program: presentation (Qt Gui), windows (Qt Widgets) and main.
 find_package(Qt6 REQUIRED COMPONENTS Core Gui Widgets PrintSupport)
+# Figures saved as SVG drawings.
+find_package(Qt6 REQUIRED COMPONENTS Svg)
 set(CMAKE_AUTOMOC ON)
 
 file(GLOB VARNOTH_PRESENTATION_SOURCES CONFIGURE_DEPENDS src/presentation/*.cpp src/presentation/*.h)
 if(VARNOTH_PRESENTATION_SOURCES)
   add_library(varnoth_presentation STATIC ${VARNOTH_PRESENTATION_SOURCES})
-  target_link_libraries(varnoth_presentation PUBLIC varnoth_engine Qt6::Gui)
+  target_link_libraries(varnoth_presentation PUBLIC varnoth_engine Qt6::Gui Qt6::Svg)
+  # varnoth-batch --figures: the same drawing functions, offscreen.
+  file(GLOB VARNOTH_BATCH_FIGURE_SOURCES CONFIGURE_DEPENDS src/app/batch_figures/*.cpp)
+  target_sources(varnoth-batch PRIVATE ${VARNOTH_BATCH_FIGURE_SOURCES})
+  target_link_libraries(varnoth-batch PRIVATE varnoth_presentation)
 endif()
 
 file(GLOB VARNOTH_UI_SOURCES CONFIGURE_DEPENDS src/ui/*.cpp src/ui/*.h)
 if(VARNOTH_UI_SOURCES)
   add_library(varnoth_ui STATIC ${VARNOTH_UI_SOURCES})
   target_link_libraries(varnoth_ui PUBLIC varnoth_presentation Qt6::Widgets Qt6::PrintSupport)
+  # Where "Open Example Data" finds the tables when the program is not installed.
+  target_compile_definitions(varnoth_ui PRIVATE
+    VARNOTH_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/data/examples")
   file(GLOB VARNOTH_APP_SOURCES CONFIGURE_DEPENDS src/app/*.cpp)
   if(VARNOTH_APP_SOURCES)
     add_executable(varnoth ${VARNOTH_APP_SOURCES})

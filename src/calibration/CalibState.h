@@ -58,6 +58,8 @@ struct CalibState {
   // from 1, column 1 x and 2 y, -9999 missing.
   Array3<float> PairData;  // (0..1, 0..10000, 0..2)
   Count PairCount = 0;
+  // Rows stored of each pair set, complete or not: how far a scatter reads.
+  std::array<long, 2> PairRows{};
   std::array<std::string, 2> PairMax{"-99999999", "-99999999"};
   std::array<std::string, 2> PairMin{"99999999", "99999999"};
   std::array<std::string, 4> PairLabels;

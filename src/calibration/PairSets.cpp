@@ -83,6 +83,7 @@ void TransferData(CalibState& c, const Session& s, const std::string& dialogFile
     c.PairLabels[0] = "(Reconstructed)" + s.ClimateParamNames(p);
     c.PairLabels[2] = "(Estimated)" + s.ClimateParamNames(p);
   }
+  c.PairRows[0] = s.RefSiteCount;
   for (long r = 1; r <= s.RefSiteCount; ++r)
     StorePair(c, 0, r, TextOf(s.ReconRefValue(r, p)), TextOf(s.ClimateData(r, p)));
   c.Labels.Label12[0] = std::to_string(c.PairCount);
@@ -103,6 +104,7 @@ bool ImportPairFile(CalibState& c, int k, const std::string& path) {
     c.PairCount = 0;
     c.PairMax[k] = "-99999999";
     c.PairMin[k] = "99999999";
+    c.PairRows[static_cast<std::size_t>(k)] = 0;
     for (long n = 0; !cells.AtEnd(); ++n) {
       const std::string x(cells.Next());
       const std::string y(cells.Next());
@@ -111,6 +113,7 @@ bool ImportPairFile(CalibState& c, int k, const std::string& path) {
         c.PairLabels[k + 2] = y;
       } else {
         StorePair(c, k, n, x, y);  // row 10001 is the subscript failure
+        c.PairRows[static_cast<std::size_t>(k)] = n;
       }
     }
   } catch (const RuntimeFailure&) {

@@ -1,8 +1,12 @@
 #include "eof/Eigen.h"
 
+#include <atomic>
 #include <chrono>
-#include <thread>
 #include <cmath>
+#include <cstdint>
+#include <functional>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 #include "eof/Kernels.h"
@@ -35,6 +39,22 @@ void MeanAndDeviation(long count, F value, double& mean, double& deviation) {
   deviation = std::sqrt(Div(squares, count));
 }
 
+// Work on groups of 32 columns or slices of 256 rows, spread over the cores;
+// each column still sums its rows in index order.
+template <typename Body>
+void ForColumnGroups(long n, Body body) {
+  constexpr long kGroup = 32;
+  ParallelTasks((n + kGroup - 1) / kGroup,
+                [&](long t) { body(1 + t * kGroup, std::min(n, (t + 1) * kGroup)); });
+}
+
+template <typename Body>
+void ForRowSlices(long rows, Body body) {
+  constexpr long kSlice = 256;
+  ParallelTasks((rows + kSlice - 1) / kSlice,
+                [&](long t) { body(1 + t * kSlice, std::min(rows, (t + 1) * kSlice)); });
+}
+
 // Mean and population deviation of columns 1..n over rows 1..rows, walking
 // the rows so that memory is read in order; each column still sums its rows
 // in index order.
@@ -44,19 +64,21 @@ void ColumnStatistics(const Array2<double>& A, long rows, long n, std::vector<do
   mean.assign(static_cast<std::size_t>(n + 1), 0.0);
   deviation.assign(static_cast<std::size_t>(n + 1), 0.0);
   std::vector<double> sum(static_cast<std::size_t>(n + 1), 0.0), squares(sum);
-  for (long r = 1; r <= rows; ++r) {
-    const double* a = A.Row(r, n);
-    for (long j = 1; j <= n; ++j) sum[j] += a[j];
-  }
-  for (long j = 1; j <= n; ++j) mean[j] = Div(sum[j], rows);
-  for (long r = 1; r <= rows; ++r) {
-    const double* a = A.Row(r, n);
-    for (long j = 1; j <= n; ++j) {
-      double d = a[j] - mean[j];
-      squares[j] += d * d;
+  ForColumnGroups(n, [&](long j0, long j1) {
+    for (long r = 1; r <= rows; ++r) {
+      const double* a = A.Row(r, n);
+      for (long j = j0; j <= j1; ++j) sum[j] += a[j];
     }
-  }
-  for (long j = 1; j <= n; ++j) deviation[j] = std::sqrt(Div(squares[j], rows));
+    for (long j = j0; j <= j1; ++j) mean[j] = Div(sum[j], rows);
+    for (long r = 1; r <= rows; ++r) {
+      const double* a = A.Row(r, n);
+      for (long j = j0; j <= j1; ++j) {
+        double d = a[j] - mean[j];
+        squares[j] += d * d;
+      }
+    }
+    for (long j = j0; j <= j1; ++j) deviation[j] = std::sqrt(Div(squares[j], rows));
+  });
 }
 
 // The sort of PowerEigen: j walks up while neighbours are in order; a swap
@@ -78,34 +100,56 @@ void SortProcedure(long n, Less less, Swap swap) {
 // Columns sums of rows 1..rows, each in row order, for columns 1..cols.
 std::vector<double> ColumnSums(const Array2<double>& X, long rows, long cols) {
   std::vector<double> sums(static_cast<std::size_t>(cols + 1), 0.0);
-  for (long r = 1; r <= rows; ++r) {
-    const double* x = X.Row(r, cols);
-    for (long j = 1; j <= cols; ++j) sums[j] += x[j];
-  }
+  ForColumnGroups(cols, [&](long j0, long j1) {
+    for (long r = 1; r <= rows; ++r) {
+      const double* x = X.Row(r, cols);
+      for (long j = j0; j <= j1; ++j) sums[j] += x[j];
+    }
+  });
   return sums;
 }
 
-// The upper triangle (j >= i) of D'D with each cell summed in row order,
-// where D holds the centred columns with `stride` columns a row (padded with
-// zeros so that blocks of 4 by 8 cells never run past a row).
-void CrossProducts(const std::vector<double>& D, std::size_t stride, long rows, long n,
-                   std::vector<double>& S) {
-  const long blocks = (n + 3) / 4;
-  const double* first = D.data() + stride;  // row 1
-  ParallelRows(0, blocks - 1, 1, [&](long b0, long b1) {
-    double out[32];
-    for (long b = b0; b <= b1; ++b) {
-      const long i0 = 1 + 4 * b;
-      for (long j0 = 1 + ((i0 - 1) / 8) * 8; j0 <= n; j0 += 8) {
-        kernels::SumProducts4x8(first + i0, stride, 1, first + j0, stride, rows, out);
-        for (long ii = 0; ii < 4; ++ii)
-          for (long jj = 0; jj < 8; ++jj) {
-            long i = i0 + ii, j = j0 + jj;
-            if (i <= n && j <= n && j >= i)
-              S[static_cast<std::size_t>(i * (n + 1) + j)] = out[ii * 8 + jj];
+// The upper triangle (j >= i) of D'D with each cell summed in row order.
+// D is held in panels of 8 columns, each panel row after row (panel p,
+// row r at D[(p * rows + r) * 8]), so that a block of 4 by 8 cells reads
+// memory in order. The rows go in slices small enough to stay in the
+// core's cache while all blocks of a task take their turn; each block
+// carries its sums from one slice to the next, which keeps the order.
+void CrossProducts(const std::vector<double>& D, long rows, long n, std::vector<double>& S) {
+  const long panels = (n + 7) / 8;
+  constexpr long kSlice = 256, kPanelsPerTask = 1;
+  const long tasks = (panels + kPanelsPerTask - 1) / kPanelsPerTask;
+  // Task t takes the row blocks of panels t, t + 1, ...: the first tasks
+  // have the most blocks and are handed out first.
+  ParallelTasks(tasks, [&](long t) {
+    const long p0 = t * kPanelsPerTask, p1 = std::min(panels, p0 + kPanelsPerTask);
+    // Sums of the blocks (row block of panel p, half h) x (panel q >= p).
+    std::vector<double> acc(static_cast<std::size_t>((p1 - p0) * 2 * panels * 32), 0.0);
+    auto block = [&](long p, long h, long q) {
+      return acc.data() + static_cast<std::size_t>((((p - p0) * 2 + h) * panels + q) * 32);
+    };
+    for (long r0 = 0; r0 < rows; r0 += kSlice) {
+      const long count = std::min(kSlice, rows - r0);
+      for (long p = p0; p < p1; ++p)
+        for (long h = 0; h < 2; ++h) {
+          const double* a = D.data() + static_cast<std::size_t>((p * rows + r0) * 8 + 4 * h);
+          for (long q = p; q < panels; ++q) {
+            const double* b = D.data() + static_cast<std::size_t>((q * rows + r0) * 8);
+            kernels::AddProducts4x8(a, 8, 1, b, 8, count, block(p, h, q));
           }
-      }
+        }
     }
+    for (long p = p0; p < p1; ++p)
+      for (long h = 0; h < 2; ++h)
+        for (long q = p; q < panels; ++q) {
+          const double* out = block(p, h, q);
+          for (long ii = 0; ii < 4; ++ii)
+            for (long jj = 0; jj < 8; ++jj) {
+              long i = 1 + 8 * p + 4 * h + ii, j = 1 + 8 * q + jj;
+              if (i <= n && j <= n && j >= i)
+                S[static_cast<std::size_t>(i * (n + 1) + j)] = out[ii * 8 + jj];
+            }
+        }
   });
 }
 
@@ -124,15 +168,18 @@ void BuildMatrix(Session& s, const Array2<double>& X) {
   std::vector<double> mean = ColumnSums(X, m, n);
   for (long j = 1; j <= n; ++j) mean[j] = Div(mean[j], divisor);
   const long stride = n + 1;
-  const std::size_t padded = static_cast<std::size_t>((n + 8) / 8 * 8 + 8);
-  std::vector<double> D(static_cast<std::size_t>(m + 1) * padded, 0.0);
-  for (long r = 1; r <= m; ++r) {
-    const double* x = X.Row(r, n);
-    double* d = D.data() + static_cast<std::size_t>(r) * padded;
-    for (long j = 1; j <= n; ++j) d[j] = x[j] - mean[j];
-  }
+  const long panels = (n + 7) / 8;
+  // The centred columns in panels of 8 (zeros past column n).
+  std::vector<double> D(static_cast<std::size_t>(panels * m * 8), 0.0);
+  ForRowSlices(m, [&](long r0, long r1) {
+    for (long r = r0; r <= r1; ++r) {
+      const double* x = X.Row(r, n);
+      for (long j = 1; j <= n; ++j)
+        D[static_cast<std::size_t>((((j - 1) / 8) * m + r - 1) * 8 + (j - 1) % 8)] = x[j] - mean[j];
+    }
+  });
   std::vector<double> S(static_cast<std::size_t>(stride * stride), 0.0);
-  CrossProducts(D, padded, m, n, S);
+  CrossProducts(D, m, n, S);
   auto cell = [&](long i, long j) { return S[static_cast<std::size_t>(i * stride + j)]; };
   for (long i = 1; i <= n; ++i) {
     for (long j = i; j <= n; ++j) {
@@ -148,10 +195,119 @@ void BuildMatrix(Session& s, const Array2<double>& X) {
   }
 }
 
+// Phases of the power iteration shared between the calling thread and one
+// helper: a phase is cut into parts that either thread claims. The caller
+// always works; the helper claims what it can while it runs, so a helper
+// that the machine has put aside costs at most the part it holds. When the
+// caller has waited long for such a part, it goes on alone for a growing
+// number of components before it tries again. Which thread does a part
+// never changes its numbers.
+class PhaseTeam {
+ public:
+  PhaseTeam(long parts, std::function<void(long)> part) : parts_(parts), part_(std::move(part)) {
+    try {
+      if (parts_ > 1 && WorkerCount() > 1) helper_ = std::thread([this] { Help(); });
+    } catch (const std::system_error&) {
+      // No thread to be had: the caller does every part.
+    }
+  }
+  ~PhaseTeam() {
+    if (!helper_.joinable()) return;
+    quit_.store(true, std::memory_order_release);
+    phase_.fetch_add(1, std::memory_order_release);
+    phase_.notify_one();
+    helper_.join();
+  }
+  // Whether component c may use the helper.
+  void StartComponent(long c) { shared_ = helper_.joinable() && c >= aloneUntil_; }
+  void Run() {
+    if (!shared_) {
+      for (long p = 0; p < parts_; ++p) part_(p);
+      return;
+    }
+    const std::uint64_t phase = ++phaseCount_;  // some thousands per analysis
+    done_.store(0, std::memory_order_relaxed);
+    claim_.store(phase << 32 | static_cast<std::uint64_t>(parts_), std::memory_order_release);
+    phase_.store(static_cast<std::uint32_t>(phase), std::memory_order_release);
+    phase_.notify_one();
+    Work(phase);
+    if (done_.load(std::memory_order_acquire) == parts_) return;
+    const auto start = std::chrono::steady_clock::now();
+    bool slow = false;
+    for (unsigned spins = 0; done_.load(std::memory_order_acquire) != parts_; ++spins) {
+      if (spins < 2000) {
+        Pause();
+      } else {
+        if (!slow && std::chrono::steady_clock::now() - start > std::chrono::microseconds(200))
+          slow = true;
+        std::this_thread::yield();
+      }
+    }
+    if (slow) {
+      shared_ = false;
+      aloneFor_ = std::min(aloneFor_ * 2, 256L);
+      aloneUntil_ = componentHint_ + aloneFor_;
+    }
+  }
+  void SetComponent(long c) { componentHint_ = c; }
+
+ private:
+  static void Pause() {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#endif
+  }
+  // Claims and does parts of `phase` until none is left: the caller from
+  // the front, the helper from the back, so that each part tends to stay
+  // in the cache of the core that did it last time.
+  void Work(std::uint64_t phase, bool fromBack = false) {
+    std::uint64_t x = claim_.load(std::memory_order_acquire);
+    for (;;) {
+      const std::uint64_t front = (x >> 16) & 0xFFFF, back = x & 0xFFFF;
+      if ((x >> 32) != phase || front >= back) return;
+      const std::uint64_t next = fromBack ? x - 1 : x + (1u << 16);
+      if (claim_.compare_exchange_weak(x, next, std::memory_order_acq_rel,
+                                       std::memory_order_acquire)) {
+        part_(static_cast<long>(fromBack ? back - 1 : front));
+        done_.fetch_add(1, std::memory_order_acq_rel);
+        x = claim_.load(std::memory_order_acquire);
+      }
+    }
+  }
+  void Help() {
+    std::uint32_t seen = 0;
+    for (;;) {
+      std::uint32_t now;
+      for (unsigned spins = 0; (now = phase_.load(std::memory_order_acquire)) == seen; ++spins) {
+        if (spins < 4000)
+          Pause();
+        else
+          phase_.wait(seen, std::memory_order_acquire);
+      }
+      seen = now;
+      if (quit_.load(std::memory_order_acquire)) return;
+      const std::uint64_t phase = claim_.load(std::memory_order_acquire) >> 32;
+      if (static_cast<std::uint32_t>(phase) == now) Work(phase, true);
+    }
+  }
+
+  const long parts_;
+  const std::function<void(long)> part_;
+  std::thread helper_;
+  // Phase number << 32 | first unclaimed part << 16 | one past the last.
+  std::atomic<std::uint64_t> claim_{0};
+  std::atomic<long> done_{0};
+  std::atomic<std::uint32_t> phase_{0};
+  std::atomic<bool> quit_{false};
+  std::uint32_t phaseCount_ = 0;
+  bool shared_ = false;
+  long aloneFor_ = 1, aloneUntil_ = 0, componentHint_ = 0;
+};
+
 // Power iteration for all components on a transposed copy of the matrix, so
 // that A v runs as column updates vectorised across rows while each w(r)
-// keeps its sum over k in index order. The rows of w are shared out among
-// the cores; the norm is summed by one thread, in row order.
+// keeps its sum over k in index order. Parts of 32 rows are shared between
+// two threads; the norm is summed by the caller, in row order.
 void PowerIterations(Session& s, Progress& progress) {
   const long n = s.EigenOrder;
   s.EigenWork.Require(n, n);
@@ -163,46 +319,43 @@ void PowerIterations(Session& s, Progress& progress) {
   std::vector<double> v(nn), w(nn), vs(nn);
   double norm = 0;
 
-  const unsigned workers = n >= 128 ? std::min(WorkerCount(), 4u) : 1u;
-  SpinBarrier sync(workers);
-  auto work = [&](unsigned id) {
-    const std::size_t r0 = nn * id / workers, r1 = nn * (id + 1) / workers;
-    for (long c = 1; c <= n; ++c) {
-      if (id == 0) {
-        progress.Step(c);
-        std::fill(v.begin(), v.end(), 0.0);
-        v[0] = 1;
-      }
-      sync.Wait();
-      for (int it = 0; it < 20; ++it) {
-        kernels::SumColumns(w.data(), AT.data(), nn, v.data(), nn, r0, r1);
-        sync.Wait();
-        if (id == 0) {
-          double sq = 0;
-          for (std::size_t r = 0; r < nn; ++r) sq += w[r] * w[r];
-          norm = std::sqrt(sq);
-          if (norm == 0) {
-            std::fill(v.begin(), v.end(), 0.0);
-          } else {
-            for (std::size_t r = 0; r < nn; ++r) v[r] = w[r] / norm;
-          }
-          for (std::size_t r = 0; r < nn; ++r) vs[r] = v[r] * norm;
-        }
-        sync.Wait();
-      }
+  // Small matrices are not worth a second thread: one part of all rows.
+  const std::size_t kPart = n >= 128 ? 32 : nn;
+  bool deflate = false;  // what the next phase does
+  auto part = [&](long p) {
+    const std::size_t r0 = static_cast<std::size_t>(p) * kPart, r1 = std::min(nn, r0 + kPart);
+    if (!deflate) {
+      kernels::SumColumns(w.data(), AT.data(), nn, v.data(), nn, r0, r1);
+    } else {
       for (std::size_t k = 0; k < nn; ++k)
         kernels::SubtractScaled(AT.data() + k * nn + r0, vs.data() + r0, v[k], r1 - r0);
-      if (id == 0) {
-        s.EigenVectors(n + 1, c) = norm;
-        for (std::size_t r = 0; r < nn; ++r) s.EigenVectors(static_cast<long>(r) + 1, c) = v[r];
-      }
-      sync.Wait();
     }
   };
-  std::vector<std::thread> threads;
-  for (unsigned id = 1; id < workers; ++id) threads.emplace_back(work, id);
-  work(0);
-  for (auto& t : threads) t.join();
+  PhaseTeam team(static_cast<long>((nn + kPart - 1) / kPart), part);
+  for (long c = 1; c <= n; ++c) {
+    progress.Step(c);
+    team.SetComponent(c);
+    team.StartComponent(c);
+    std::fill(v.begin(), v.end(), 0.0);
+    v[0] = 1;
+    for (int it = 0; it < 20; ++it) {
+      deflate = false;
+      team.Run();
+      double sq = 0;
+      for (std::size_t r = 0; r < nn; ++r) sq += w[r] * w[r];
+      norm = std::sqrt(sq);
+      if (norm == 0) {
+        std::fill(v.begin(), v.end(), 0.0);
+      } else {
+        for (std::size_t r = 0; r < nn; ++r) v[r] = w[r] / norm;
+      }
+      for (std::size_t r = 0; r < nn; ++r) vs[r] = v[r] * norm;
+    }
+    deflate = true;
+    team.Run();
+    s.EigenVectors(n + 1, c) = norm;
+    for (std::size_t r = 0; r < nn; ++r) s.EigenVectors(static_cast<long>(r) + 1, c) = v[r];
+  }
   for (long r = 1; r <= n; ++r)
     for (long k = 1; k <= n; ++k) s.EigenWork(r, k) = AT[(k - 1) * nn + (r - 1)];
 }
@@ -328,7 +481,8 @@ void ComputeLoadings(Session& s) {
     double root = std::sqrt(s.EigenVectors(n + 1, c));
     for (long i = 1; i <= n; ++i) s.Loadings(i, c) = s.EigenVectors(i, c) * root;
     double mean, deviation;
-    MeanAndDeviation(n, [&](long i) { return s.Loadings(i, c); }, mean, deviation);
+    MeanAndDeviation(
+        n, [&](long i) { return s.Loadings(i, c); }, mean, deviation);
     for (long i = 1; i <= n; ++i)
       s.Loadings(i, c) = deviation == 0 ? 0 : (s.Loadings(i, c) - mean) / deviation;
   }
@@ -364,16 +518,20 @@ void ComputeBaseScores(Session& s, const Array2<double>& X) {
     s.ColumnStd(0, j) = dev[j];
   }
   Array2<double> Z(m, n);
-  for (long r = 1; r <= m; ++r) {
-    const double* x = X.Row(r, n);
-    double* z = Z.Row(r, n);
-    for (long j = 1; j <= n; ++j) z[j] = dev[j] == 0 ? 0 : (x[j] - mean[j]) / dev[j];
-  }
+  ForRowSlices(m, [&](long r0, long r1) {
+    for (long r = r0; r <= r1; ++r) {
+      const double* x = X.Row(r, n);
+      double* z = Z.Row(r, n);
+      for (long j = 1; j <= n; ++j) z[j] = dev[j] == 0 ? 0 : (x[j] - mean[j]) / dev[j];
+    }
+  });
   std::vector<double> zsum(static_cast<std::size_t>(n + 1), 0.0);
-  for (long r = 1; r <= m; ++r) {
-    const double* z = Z.Row(r, n);
-    for (long j = 1; j <= n; ++j) zsum[j] += z[j];
-  }
+  ForColumnGroups(n, [&](long j0, long j1) {
+    for (long r = 1; r <= m; ++r) {
+      const double* z = Z.Row(r, n);
+      for (long j = j0; j <= j1; ++j) zsum[j] += z[j];
+    }
+  });
   for (long j = 1; j <= n; ++j) s.ColumnMean(1, j) = Div(zsum[j], m);
 
   Array2<double>& raw = s.ReferenceIsBase ? s.RefScoreRaw : s.FossilScoreRaw;
@@ -388,11 +546,13 @@ void ComputeBaseScores(Session& s, const Array2<double>& X) {
     s.ColumnMean(2, c) = mu[c];
     s.ColumnStd(2, c) = sd[c];
   }
-  for (long r = 1; r <= m; ++r) {
-    const double* in = raw.Row(r, n);
-    double* out = scores.Row(r, n);
-    for (long c = 1; c <= n; ++c) out[c] = sd[c] == 0 ? 0 : (in[c] - mu[c]) / sd[c];
-  }
+  ForRowSlices(m, [&](long r0, long r1) {
+    for (long r = r0; r <= r1; ++r) {
+      const double* in = raw.Row(r, n);
+      double* out = scores.Row(r, n);
+      for (long c = 1; c <= n; ++c) out[c] = sd[c] == 0 ? 0 : (in[c] - mu[c]) / sd[c];
+    }
+  });
 }
 
 void RunEofAnalysis(Session& s, Progress& progress) {

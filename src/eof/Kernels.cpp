@@ -2,7 +2,8 @@
 
 namespace varnoth::kernels {
 
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && !defined(__SANITIZE_ADDRESS__)
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && \
+    !defined(__SANITIZE_ADDRESS__)
 #define VARNOTH_CLONES __attribute__((target_clones("avx2", "default")))
 #else
 #define VARNOTH_CLONES
@@ -26,10 +27,18 @@ namespace varnoth::kernels {
 // ones otherwise.
 typedef double Quad __attribute__((vector_size(32)));
 
-VARNOTH_CLONES void SumProducts4x8(const double* a, std::size_t aStepK, std::size_t aStepI,
-                                   const double* b, std::size_t bStepK, long count,
-                                   double* out) {
+namespace {
+template <bool Carry>
+inline __attribute__((always_inline)) void Products4x8(const double* a, std::size_t aStepK,
+                                                       std::size_t aStepI, const double* b,
+                                                       std::size_t bStepK, long count,
+                                                       double* out) {
   Quad acc[4][2] = {};
+  if (Carry)
+    for (int ii = 0; ii < 4; ++ii) {
+      __builtin_memcpy(&acc[ii][0], out + ii * 8, sizeof(Quad));
+      __builtin_memcpy(&acc[ii][1], out + ii * 8 + 4, sizeof(Quad));
+    }
   for (long k = 0; k < count; ++k) {
     const double* bk = b + static_cast<std::size_t>(k) * bStepK;
     const double* ak = a + static_cast<std::size_t>(k) * aStepK;
@@ -48,27 +57,48 @@ VARNOTH_CLONES void SumProducts4x8(const double* a, std::size_t aStepK, std::siz
     __builtin_memcpy(out + ii * 8 + 4, &acc[ii][1], sizeof(Quad));
   }
 }
+}  // namespace
+
+VARNOTH_CLONES void SumProducts4x8(const double* a, std::size_t aStepK, std::size_t aStepI,
+                                   const double* b, std::size_t bStepK, long count, double* out) {
+  Products4x8<false>(a, aStepK, aStepI, b, bStepK, count, out);
+}
+
+VARNOTH_CLONES void AddProducts4x8(const double* a, std::size_t aStepK, std::size_t aStepI,
+                                   const double* b, std::size_t bStepK, long count, double* out) {
+  Products4x8<true>(a, aStepK, aStepI, b, bStepK, count, out);
+}
 
 }  // namespace varnoth::kernels
 
 namespace varnoth::kernels {
 
+namespace {
+// Sums of 4 Q neighbouring r, from r on, in registers.
+template <int Q>
+inline __attribute__((always_inline)) void SumColumnBlock(double* w, const double* a,
+                                                          std::size_t stride, const double* v,
+                                                          std::size_t n, std::size_t r) {
+  Quad acc[Q] = {};
+  for (std::size_t k = 0; k < n; ++k) {
+    const double* row = a + k * stride + r;
+    const Quad x = {v[k], v[k], v[k], v[k]};
+    for (int q = 0; q < Q; ++q) {
+      Quad y;
+      __builtin_memcpy(&y, row + 4 * q, sizeof y);
+      acc[q] += x * y;
+    }
+  }
+  for (int q = 0; q < Q; ++q) __builtin_memcpy(w + r + 4 * q, &acc[q], sizeof(Quad));
+}
+}  // namespace
+
 VARNOTH_CLONES void SumColumns(double* w, const double* a, std::size_t stride, const double* v,
                                std::size_t n, std::size_t first, std::size_t last) {
   std::size_t r = first;
-  for (; r + 16 <= last; r += 16) {
-    Quad acc[4] = {};
-    for (std::size_t k = 0; k < n; ++k) {
-      const double* row = a + k * stride + r;
-      const Quad x = {v[k], v[k], v[k], v[k]};
-      for (int q = 0; q < 4; ++q) {
-        Quad y;
-        __builtin_memcpy(&y, row + 4 * q, sizeof y);
-        acc[q] += x * y;
-      }
-    }
-    for (int q = 0; q < 4; ++q) __builtin_memcpy(w + r + 4 * q, &acc[q], sizeof(Quad));
-  }
+  // 32 sums at a time keep both adders busy past the latency of an add.
+  for (; r + 32 <= last; r += 32) SumColumnBlock<8>(w, a, stride, v, n, r);
+  for (; r + 16 <= last; r += 16) SumColumnBlock<4>(w, a, stride, v, n, r);
   for (; r < last; ++r) {
     double sum = 0;
     for (std::size_t k = 0; k < n; ++k) sum += v[k] * a[k * stride + r];

@@ -21,13 +21,17 @@ namespace varnoth::kernels {
 // The caller pads its arrays so that every such element exists.
 void SumProducts4x8(const double* a, std::size_t aStepK, std::size_t aStepI, const double* b,
                     std::size_t bStepK, long count, double* out);
+// The same sums carried on from the 32 values in `out`: summing rows in
+// pieces this way gives the same numbers as one call over all of them.
+void AddProducts4x8(const double* a, std::size_t aStepK, std::size_t aStepI, const double* b,
+                    std::size_t bStepK, long count, double* out);
 
 }  // namespace varnoth::kernels
 
 namespace varnoth::kernels {
 
 // w[r] = sum over k = 0..n-1, in that order, of v[k] * a[k * stride + r],
-// for r in [first, last). Sums of 16 neighbouring r run side by side in
+// for r in [first, last). Sums of 32 or 16 neighbouring r run side by side in
 // registers.
 void SumColumns(double* w, const double* a, std::size_t stride, const double* v, std::size_t n,
                 std::size_t first, std::size_t last);

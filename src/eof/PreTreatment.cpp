@@ -1,9 +1,12 @@
 #include "eof/PreTreatment.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "eof/Eigen.h"
+#include "state/Failure.h"
 #include "state/Finite.h"
+#include "state/Parallel.h"
 
 namespace varnoth {
 
@@ -21,9 +24,9 @@ double EnhanceValue(double x, const PreTreatmentSettings& settings) {
 }
 
 // Row sums into column 0 and fractions of them, or a plain copy.
-static void PercentageStep(const Array2<double>& data, Array2<double>& proportion, long rows,
-                           long taxa, bool convert) {
-  for (long i = 1; i <= rows; ++i) {
+static void PercentageRows(const Array2<double>& data, Array2<double>& proportion, long first,
+                           long last, long taxa, bool convert) {
+  for (long i = first; i <= last; ++i) {
     if (!convert) {
       for (long j = 1; j <= taxa; ++j) proportion(i, j) = data(i, j);
       continue;
@@ -32,6 +35,30 @@ static void PercentageStep(const Array2<double>& data, Array2<double>& proportio
     for (long j = 1; j <= taxa; ++j) sum += data(i, j);
     proportion(i, 0) = sum;
     for (long j = 1; j <= taxa; ++j) proportion(i, j) = sum == 0 ? 0 : data(i, j) / sum;
+  }
+}
+
+static void PercentageStep(const Array2<double>& data, Array2<double>& proportion, long rows,
+                           long taxa, bool convert) {
+  // Rows are independent; where an array is too small the rows go in order,
+  // so the subscript failure comes at the same cell.
+  bool fits = rows >= 1 && taxa >= 0;
+  try {
+    if (fits) {
+      data.Require(rows, taxa);
+      proportion.Require(rows, taxa);
+    }
+  } catch (const RuntimeFailure&) {
+    fits = false;
+  }
+  if (!fits) {
+    PercentageRows(data, proportion, 1, rows, taxa, convert);
+  } else {
+    constexpr long kSlice = 256;
+    ParallelTasks((rows + kSlice - 1) / kSlice, [&](long t) {
+      PercentageRows(data, proportion, 1 + t * kSlice, std::min(rows, (t + 1) * kSlice), taxa,
+                     convert);
+    });
   }
   // Row sums of huge values overflow here, before anything is analysed.
   RequireFinite(proportion);

@@ -13,28 +13,37 @@ void ProjectRows(const Array2<double>& Z, long rows, long n, const std::vector<d
   E.Require(n, n);
   raw.Require(rows, n);
   const std::size_t zStride = Z.Cols(), rStride = raw.Cols();
-  // The eigenvectors padded to whole blocks of 8 columns; blocks of 4 rows
-  // by 8 columns are summed in registers, each cell over j in index order.
-  const std::size_t padded = static_cast<std::size_t>((n + 8) / 8 * 8 + 8);
-  std::vector<double> Ep(static_cast<std::size_t>(n + 1) * padded, 0.0);
+  // The eigenvectors in panels of 8 columns, row j of panel p at
+  // Ep[(p * n + j - 1) * 8]: a panel (n x 8) stays in the first-level cache
+  // while a slice of rows is scored against it.
+  const long panels = (n + 7) / 8;
+  const std::size_t un = static_cast<std::size_t>(n);
+  std::vector<double> Ep(static_cast<std::size_t>(panels) * un * 8, 0.0);
   for (long j = 1; j <= n; ++j)
-    for (long c = 1; c <= n; ++c) Ep[static_cast<std::size_t>(j) * padded + c] = E(j, c);
-  const std::size_t width = static_cast<std::size_t>(n + 1);
-  ParallelRows(1, rows, 8, [&](long first, long last) {
-    std::vector<double> zc(4 * width, 0.0);
+    for (long c = 1; c <= n; ++c)
+      Ep[(static_cast<std::size_t>((c - 1) / 8) * un + static_cast<std::size_t>(j - 1)) * 8 +
+         static_cast<std::size_t>((c - 1) % 8)] = E(j, c);
+  constexpr long kSlice = 64;  // rows a task centres and scores
+  const long tasks = (rows + kSlice - 1) / kSlice;
+  ParallelTasks(tasks, [&](long t) {
+    const long first = 1 + t * kSlice, last = std::min(rows, first + kSlice - 1);
+    const long count = last - first + 1, blocks = (count + 3) / 4;
+    // The centred rows, padded with zero rows to whole blocks of 4.
+    std::vector<double> zc(static_cast<std::size_t>(blocks * 4) * un, 0.0);
+    for (long k = 0; k < count; ++k) {
+      const double* z = Z.Data() + static_cast<std::size_t>(first + k) * zStride;
+      double* c = zc.data() + static_cast<std::size_t>(k) * un;
+      for (long j = 1; j <= n; ++j) c[j - 1] = z[j] - centre[j];
+    }
     double out[32];
-    for (long i0 = first; i0 <= last; i0 += 4) {
-      const long b = std::min(4L, last - i0 + 1);
-      std::fill(zc.begin(), zc.end(), 0.0);
-      for (long k = 0; k < b; ++k) {
-        const double* z = Z.Data() + static_cast<std::size_t>(i0 + k) * zStride;
-        double* c = zc.data() + static_cast<std::size_t>(k) * width;
-        for (long j = 1; j <= n; ++j) c[j] = z[j] - centre[j];
-      }
-      for (long c0 = 1; c0 <= n; c0 += 8) {
-        kernels::SumProducts4x8(zc.data() + 1, 1, width, Ep.data() + padded + c0, padded, n, out);
-        for (long k = 0; k < b; ++k) {
-          double* dst = raw.Data() + static_cast<std::size_t>(i0 + k) * rStride;
+    for (long p = 0; p < panels; ++p) {
+      const double* panel = Ep.data() + static_cast<std::size_t>(p) * un * 8;
+      const long c0 = 1 + 8 * p;
+      for (long b = 0; b < blocks; ++b) {
+        kernels::SumProducts4x8(zc.data() + static_cast<std::size_t>(4 * b) * un, 1, un, panel, 8,
+                                n, out);
+        for (long k = 0; k < 4 && 4 * b + k < count; ++k) {
+          double* dst = raw.Data() + static_cast<std::size_t>(first + 4 * b + k) * rStride;
           for (long cc = 0; cc < 8 && c0 + cc <= n; ++cc) dst[c0 + cc] = out[k * 8 + cc];
         }
       }

@@ -21,6 +21,21 @@ QFont FigureFont(double points, bool bold = false) {
   font.setBold(bold);
   return font;
 }
+
+// The font of the turned taxon names: 12 pixels high, 5 wide on average.
+QFont NameFont(bool italic) {
+  QFont font(QStringLiteral("DejaVu Sans"));
+  font.setPixelSize(12);
+  font.setWeight(QFont::Normal);
+  font.setItalic(italic);
+  QFontMetricsF m(font);
+  const double average = m.averageCharWidth();
+  if (average > 0) font.setStretch(std::clamp(static_cast<int>(500.0 / average), 1, 4000));
+  return font;
+}
+
+// A mark set on the raster is centred on the pixel that holds its centre.
+QPointF PixelCentre(QPointF p) { return QPointF(std::floor(p.x()) + 0.5, std::floor(p.y()) + 0.5); }
 }  // namespace
 
 Surface::Surface(int width, int height) {
@@ -37,6 +52,14 @@ void Surface::Resize(int width, int height) {
   image_.setDotsPerMeterY(kDotsPerMeter);
   image_.fill(back_);
   background_ = QImage();
+  Wiped();
+}
+
+void Surface::Wiped() {
+  ops_.clear();
+  backgroundOps_ = 0;
+  Operation fill{Operation::Fill, {}, {}, 0, back_, back_};
+  ops_.push_back(fill);
 }
 
 void Surface::SetScale(double left, double top, double width, double height) {
@@ -75,6 +98,7 @@ void Surface::SetBackColour(const QColor& colour) {
   back_ = colour;
   background_ = QImage();
   image_.fill(back_);
+  Wiped();
 }
 
 void Surface::SetFontBold(bool bold) {
@@ -102,6 +126,7 @@ void Surface::Line(double x1, double y1, double x2, double y2, const QColor& col
       p.pen().style() != Qt::SolidLine)
     p.setPen(QPen(colour, drawWidth_));
   p.drawLine(ToPixel(x1, y1), ToPixel(x2, y2));
+  ops_.push_back({Operation::Line, ToPixel(x1, y1), ToPixel(x2, y2), 0, colour, {}, drawWidth_});
 }
 
 void Surface::Ring(double x, double y, double r, const QColor& colour) {
@@ -133,6 +158,8 @@ void Surface::Ring(double x, double y, double r, const QColor& colour) {
   const int cy = static_cast<int>(std::floor(centre.y()));
   const int w = image_.width(), h = image_.height();
   if (cx + radius < 0 || cx - radius >= w || cy + radius < 0 || cy - radius >= h) return;
+  ops_.push_back(
+      {Operation::Ellipse, PixelCentre(centre), {}, static_cast<double>(radius), colour, {}});
   uchar* bits = image_.bits();
   const qsizetype stride = image_.bytesPerLine();
   const QRgb value = colour.rgb() | 0xff000000u;
@@ -149,19 +176,41 @@ void Surface::Point(double x, double y, const QColor& colour) {
   const int left = static_cast<int>(std::floor(at.x())) - (drawWidth_ - 1) / 2;
   const int top = static_cast<int>(std::floor(at.y())) - (drawWidth_ - 1) / 2;
   p.fillRect(QRect(left, top, drawWidth_, drawWidth_), colour);
+  ops_.push_back({Operation::FilledRect,
+                  QPointF(left, top),
+                  QPointF(left + drawWidth_, top + drawWidth_),
+                  0,
+                  {},
+                  colour});
 }
 
 void Surface::Box(double x1, double y1, double x2, double y2, const QColor& colour) {
   QPainter& p = Painter();
   p.setPen(QPen(colour, 1));
   p.setBrush(Qt::NoBrush);
-  p.drawRect(QRectF(ToPixel(x1, y1), ToPixel(x2, y2)).normalized());
+  const QRectF r = QRectF(ToPixel(x1, y1), ToPixel(x2, y2)).normalized();
+  p.drawRect(r);
+  ops_.push_back({Operation::Outline, r.topLeft(), r.bottomRight(), 0, colour, {}});
 }
 
 void Surface::FilledBox(double x1, double y1, double x2, double y2, const QColor& colour) {
   QPainter& p = Painter();
   QRectF r = QRectF(ToPixel(x1, y1), ToPixel(x2, y2)).normalized();
   p.fillRect(r, colour);
+  // A box over the whole picture hides all drawn since the stored
+  // background: a figure that wipes itself so keeps no growing list.
+  if (r.contains(QRectF(0, 0, image_.width(), image_.height())) && colour.alpha() == 255) {
+    const std::size_t keep = background_.isNull() ? 0 : backgroundOps_;
+    ops_.erase(ops_.begin() + static_cast<std::ptrdiff_t>(keep), ops_.end());
+  }
+  ops_.push_back({Operation::FilledRect, r.topLeft(), r.bottomRight(), 0, {}, colour});
+}
+
+void Surface::DrawImage(double x1, double y1, double x2, double y2, const QImage& image) {
+  QPainter& p = Painter();
+  const QRectF r = QRectF(ToPixel(x1, y1), ToPixel(x2, y2)).normalized();
+  p.setRenderHint(QPainter::SmoothPixmapTransform, false);
+  p.drawImage(r, image);
 }
 
 void Surface::Circle(double x, double y, double r, const QColor& colour) {
@@ -179,6 +228,12 @@ void Surface::Circle(double x, double y, double r, const QColor& colour) {
   else
     p.setBrush(Qt::NoBrush);
   p.drawEllipse(ToPixel(x, y), pr, pr);
+  ops_.push_back({Operation::Ellipse,
+                  ToPixel(x, y),
+                  {},
+                  pr,
+                  colour,
+                  fillStyle_ == FillStyle::Solid ? fill_ : QColor()});
 }
 
 void Surface::FillDisc(QPointF centre, double radius, QRgb rgb) {
@@ -198,6 +253,8 @@ void Surface::FillDisc(QPointF centre, double radius, QRgb rgb) {
   const int w = image_.width(), h = image_.height();
   const int rows = static_cast<int>(discSpans_.size()) - 1;
   if (cx + rows < 0 || cx - rows >= w || cy + rows < 0 || cy - rows >= h) return;
+  ops_.push_back(
+      {Operation::Ellipse, PixelCentre(centre), {}, radius + 0.2, QColor(rgb), QColor(rgb)});
   uchar* bits = image_.bits();
   const qsizetype stride = image_.bytesPerLine();
   const QRgb value = rgb | 0xff000000u;
@@ -227,26 +284,28 @@ void Surface::Print(double x, double y, const QString& text, const QColor& colou
     found = staticText_.insert(text, laid);
   }
   p.drawStaticText(ToPixel(x, y), *found);
+  Operation op{Operation::Text, ToPixel(x, y), {}, 0, colour, {}};
+  op.Words = text;
+  op.Points = fontPoints_;
+  op.Bold = bold_;
+  ops_.push_back(std::move(op));
 }
 
 void Surface::PrintRotated(double x, double y, const QString& text, const QColor& colour,
                            bool italic) {
   QPainter& p = Painter();
   p.save();
-  QFont font(QStringLiteral("DejaVu Sans"));
-  font.setPixelSize(12);
-  font.setWeight(QFont::Normal);
-  font.setItalic(italic);
-  // A width of 5 pixels per character: condense the face to that average.
-  QFontMetricsF m(font);
-  const double average = m.averageCharWidth();
-  if (average > 0) font.setStretch(std::clamp(static_cast<int>(500.0 / average), 1, 4000));
+  const QFont font = NameFont(italic);
   p.setFont(font);
   p.setPen(colour);
   p.translate(ToPixel(x, y));
   p.rotate(-90);
   p.drawText(QPointF(0, QFontMetricsF(font).ascent()), text);
   p.restore();
+  Operation op{Operation::RotatedText, ToPixel(x, y), {}, 0, colour, {}};
+  op.Words = text;
+  op.Italic = italic;
+  ops_.push_back(std::move(op));
 }
 
 double Surface::TextWidth(const QString& text) const {
@@ -261,15 +320,19 @@ double Surface::TextHeight(const QString&) const {
 
 void Surface::Clear() {
   EndPainting();
-  if (!background_.isNull() && background_.size() == image_.size())
+  if (!background_.isNull() && background_.size() == image_.size()) {
     image_ = background_.copy();
-  else
+    ops_.erase(ops_.begin() + static_cast<std::ptrdiff_t>(backgroundOps_), ops_.end());
+  } else {
     image_.fill(back_);
+    Wiped();
+  }
 }
 
 void Surface::StoreBackground() {
   EndPainting();
   background_ = image_.copy();
+  backgroundOps_ = ops_.size();
 }
 
 void Surface::CopyToClipboard() const {
@@ -289,6 +352,61 @@ QColor Surface::PixelAtUser(double x, double y) const {
   int px = std::clamp(static_cast<int>(std::floor(p.x())), 0, image_.width() - 1);
   int py = std::clamp(static_cast<int>(std::floor(p.y())), 0, image_.height() - 1);
   return Image().pixelColor(px, py);
+}
+
+void Surface::Replay(QPainter& p) const {
+  p.save();
+  for (const Operation& op : ops_) {
+    switch (op.What) {
+      case Operation::Fill:
+        p.fillRect(QRectF(0, 0, image_.width(), image_.height()), op.Brush);
+        break;
+      case Operation::Line:
+        p.setPen(QPen(op.Pen, op.Width));
+        p.drawLine(op.A, op.B);
+        break;
+      case Operation::Outline:
+        p.setPen(QPen(op.Pen, 1));
+        p.setBrush(Qt::NoBrush);
+        p.drawRect(QRectF(op.A, op.B));
+        break;
+      case Operation::FilledRect:
+        p.fillRect(QRectF(op.A, op.B), op.Brush);
+        break;
+      case Operation::Ellipse:
+        p.setPen(QPen(op.Pen, 1));
+        if (op.Brush.isValid())
+          p.setBrush(op.Brush);
+        else
+          p.setBrush(Qt::NoBrush);
+        p.drawEllipse(op.A, op.Radius, op.Radius);
+        break;
+      case Operation::Text: {
+        const QFont font = FigureFont(op.Points, op.Bold);
+        p.setFont(font);
+        p.setPen(op.Pen);
+        p.drawText(op.A + QPointF(0, QFontMetricsF(font).ascent()), op.Words);
+        break;
+      }
+      case Operation::RotatedText: {
+        // The condensing as a scale along the text rather than a font
+        // stretch, which vector files do not all keep.
+        QFont font = NameFont(op.Italic);
+        const double condense = font.stretch() > 0 ? font.stretch() / 100.0 : 1.0;
+        font.setStretch(QFont::Unstretched);
+        p.save();
+        p.setFont(font);
+        p.setPen(op.Pen);
+        p.translate(op.A);
+        p.rotate(-90);
+        p.scale(condense, 1);
+        p.drawText(QPointF(0, QFontMetricsF(font).ascent()), op.Words);
+        p.restore();
+        break;
+      }
+    }
+  }
+  p.restore();
 }
 
 }  // namespace varnoth

@@ -57,6 +57,9 @@ class Surface {
   void Line(double x1, double y1, double x2, double y2, const QColor& colour);
   void Box(double x1, double y1, double x2, double y2, const QColor& colour);
   void FilledBox(double x1, double y1, double x2, double y2, const QColor& colour);
+  // An image stretched over the user rectangle, its pixels kept sharp: a
+  // matrix figure painted cell by cell into an image of its own.
+  void DrawImage(double x1, double y1, double x2, double y2, const QImage& image);
   // A hollow circle of radius r in horizontal user units, one pixel wide,
   // set directly on the raster: thousands of small marks a redraw.
   void Ring(double x, double y, double r, const QColor& colour);
@@ -85,6 +88,13 @@ class Surface {
 
   // The image as drawn so far.
   const QImage& Image() const;
+
+  // Everything drawn since the surface was last wiped, background and
+  // marks over it, painted again in pixel units of this surface: what a
+  // picture file at any size or in vector form is made from. The painter's
+  // transform maps those units to the device.
+  void Replay(QPainter& painter) const;
+  std::size_t OperationCount() const { return ops_.size(); }
   QColor PixelAt(int px, int py) const { return Image().pixelColor(px, py); }
   QColor PixelAtUser(double x, double y) const;
 
@@ -92,6 +102,26 @@ class Surface {
   QPainter& Painter();
   void EndPainting() const;
   void FillDisc(QPointF centre, double radius, QRgb rgb);
+  void Wiped();
+
+  // One drawing operation as the raster got it, kept so that the same
+  // figure can be painted onto any device.
+  struct Operation {
+    enum Kind { Fill, Line, Outline, FilledRect, Ellipse, Text, RotatedText };
+    Operation(Kind what, QPointF a, QPointF b, double radius, QColor pen, QColor brush,
+              int width = 1)
+        : What(what), A(a), B(b), Radius(radius), Pen(pen), Brush(brush), Width(width) {}
+    Kind What;
+    QPointF A, B;
+    double Radius = 0;
+    QColor Pen, Brush;  // an invalid brush is no fill
+    int Width = 1;
+    QString Words;
+    double Points = 0;
+    bool Bold = false, Italic = false;
+  };
+  std::vector<Operation> ops_;
+  std::size_t backgroundOps_ = 0;  // how many of ops_ the stored background holds
 
   QImage image_;
   QImage background_;

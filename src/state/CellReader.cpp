@@ -1,10 +1,11 @@
 #include "state/CellReader.h"
 
-#include <cstdint>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <cstdint>
 
 #include "state/Failure.h"
 #include "state/Format.h"
@@ -21,8 +22,9 @@ CellReader::CellReader(CellReader&& other) noexcept
     : owned_(std::move(other.owned_)),
       mapped_(other.mapped_),
       size_(other.size_),
-      pos_(other.pos_) {
-  data_ = mapped_ ? static_cast<const char*>(mapped_) : owned_.data();
+      pos_(other.pos_),
+      part_(other.part_) {
+  data_ = mapped_ ? static_cast<const char*>(mapped_) : part_ ? other.data_ : owned_.data();
   other.mapped_ = nullptr;
   other.data_ = nullptr;
   other.size_ = other.pos_ = 0;
@@ -43,7 +45,8 @@ CellReader CellReader::FromFile(const std::string& path) {
   struct stat info {};
   if (::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0) {
     // A regular file is mapped: no copy, and no zeroed pages to fill.
-    void* m = ::mmap(nullptr, static_cast<std::size_t>(info.st_size), PROT_READ, MAP_PRIVATE, fd, 0);
+    void* m =
+        ::mmap(nullptr, static_cast<std::size_t>(info.st_size), PROT_READ, MAP_PRIVATE, fd, 0);
     if (m != MAP_FAILED) {
       ::close(fd);
       CellReader r;
@@ -67,6 +70,21 @@ CellReader CellReader::FromFile(const std::string& path) {
   }
   ::close(fd);
   return CellReader(std::move(content));
+}
+
+CellReader CellReader::Part(std::size_t from) const {
+  CellReader r;
+  r.data_ = data_;
+  r.size_ = size_;
+  r.pos_ = from;
+  r.part_ = true;
+  return r;
+}
+
+std::size_t CellReader::NextLineStart(std::size_t from) const {
+  for (std::size_t i = from; i < size_; ++i)
+    if (data_[i] == '\n') return i + 1;
+  return size_;
 }
 
 static bool IsBlank(char c) { return c == ' ' || c == '\t'; }
@@ -115,11 +133,13 @@ double CellReader::NextLenient(bool& empty) {
   if (i < n && (s[i] == '-' || s[i] == '+')) negative = s[i++] == '-';
   std::uint64_t mantissa = 0;
   std::size_t first = i;
-  while (i < n && s[i] >= '0' && s[i] <= '9') mantissa = mantissa * 10 + static_cast<std::uint64_t>(s[i++] - '0');
+  while (i < n && s[i] >= '0' && s[i] <= '9')
+    mantissa = mantissa * 10 + static_cast<std::uint64_t>(s[i++] - '0');
   std::size_t digits = i - first, fraction = 0;
   if (i < n && s[i] == '.') {
     std::size_t point = ++i;
-    while (i < n && s[i] >= '0' && s[i] <= '9') mantissa = mantissa * 10 + static_cast<std::uint64_t>(s[i++] - '0');
+    while (i < n && s[i] >= '0' && s[i] <= '9')
+      mantissa = mantissa * 10 + static_cast<std::uint64_t>(s[i++] - '0');
     fraction = i - point;
     digits += fraction;
   }

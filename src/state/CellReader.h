@@ -28,16 +28,24 @@ class CellReader {
   bool AtEnd() const;
   std::size_t Position() const { return pos_; }
   std::size_t Length() const { return size_; }
+  // Goes on from byte `pos` (a position this reader or a part of it gave).
+  void Seek(std::size_t pos) { pos_ = pos; }
+  // A reader of the same content from byte `from` on; it reads this one's
+  // memory and must not outlive it.
+  CellReader Part(std::size_t from) const;
+  // The byte after the first line end at or after `from`; Length() if none.
+  std::size_t NextLineStart(std::size_t from) const;
 
  private:
   CellReader() = default;
   void SkipByteOrderMark();
 
-  std::string owned_;        // content read into memory
-  void* mapped_ = nullptr;   // or the file mapped, when it could be
+  std::string owned_;       // content read into memory
+  void* mapped_ = nullptr;  // or the file mapped, when it could be
   const char* data_ = nullptr;
   std::size_t size_ = 0;
   std::size_t pos_ = 0;
+  bool part_ = false;  // reads another reader's memory
 };
 
 }  // namespace varnoth

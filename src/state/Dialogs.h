@@ -15,6 +15,18 @@ class Dialogs {
   // A file name to save to; the dialog asks before an existing file is
   // replaced, and a "no" there is a cancel.
   virtual std::optional<std::string> SaveFileName(const std::string& filter) = 0;
+  // The same, telling which of the filters the user chose (from 0), or -1
+  // when the dialog cannot say.
+  virtual std::optional<std::string> SaveFileNameChoosing(const std::string& filter,
+                                                          int& chosen) {
+    chosen = -1;
+    return SaveFileName(filter);
+  }
+  // An open dialog that starts in the given folder.
+  virtual std::optional<std::string> OpenFileNameIn(const std::string& filter,
+                                                    const std::string& /*folder*/) {
+    return OpenFileName(filter);
+  }
   // A message box with the exclamation icon and one OK button.
   virtual void Message(const std::string& text, const std::string& title) = 0;
   // A question with Yes and No buttons; true for Yes.

@@ -11,6 +11,11 @@ namespace varnoth {
 std::string FormatGeneral(double v);
 // The same for a single: up to 7 significant digits.
 std::string FormatSingle(float v);
+// The same texts written in place, for writers of many numbers: `out` has
+// room for kNumberTextMax characters; the end of the text is returned.
+constexpr int kNumberTextMax = 48;
+char* WriteGeneral(char* out, double v);
+char* WriteSingle(char* out, float v);
 
 // The longest leading decimal number of the text, 0 where there is none.
 // Never fails, except for a number too large for a double (overflow).

@@ -1,11 +1,18 @@
 #include "state/Import.h"
 
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <string>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 #include "eof/PreTreatment.h"
 #include "eof/Projection.h"
 #include "state/CellReader.h"
 #include "state/Format.h"
+#include "state/Parallel.h"
 #include "state/ReadProblem.h"
 
 namespace varnoth {
@@ -55,15 +62,23 @@ struct Target {
 };
 
 Target ReferenceTarget(Session& s) {
-  return {true,         &s.RefFileName,  &s.RefSiteCount,     &s.RefTaxaCount,
-          &s.RefSiteNames, &s.RefTaxaNames, &s.RefLabelsAreText, &s.RefData,
-          &s.SiteIsExtreme, &s.RefScoreRaw, &s.RefScores};
+  return {true,
+          &s.RefFileName,
+          &s.RefSiteCount,
+          &s.RefTaxaCount,
+          &s.RefSiteNames,
+          &s.RefTaxaNames,
+          &s.RefLabelsAreText,
+          &s.RefData,
+          &s.SiteIsExtreme,
+          &s.RefScoreRaw,
+          &s.RefScores};
 }
 
 Target FossilTarget(Session& s) {
-  return {false,          &s.FossilFileName,  &s.FossilSampleCount,   &s.FossilTaxaCount,
-          &s.FossilLabels,   &s.FossilTaxaNames, &s.FossilLabelsAreText, &s.FossilData,
-          &s.SampleIsOut,    &s.FossilScoreRaw,  &s.FossilScores};
+  return {false,           &s.FossilFileName,  &s.FossilSampleCount,   &s.FossilTaxaCount,
+          &s.FossilLabels, &s.FossilTaxaNames, &s.FossilLabelsAreText, &s.FossilData,
+          &s.SampleIsOut,  &s.FossilScoreRaw,  &s.FossilScores};
 }
 
 // Rows of values during the read, grown as rows arrive; the capacity limit
@@ -96,6 +111,85 @@ class ValueRows {
 
 std::string NormalisedLabel(std::string_view cell) { return FormatGeneral(LenientParse(cell)); }
 
+// Rows of the second half of a large table, read ahead on another core
+// while the first half is read in order. The cell stream knows no lines, so
+// the part starts at a line start and counts only if the rows read in order
+// arrive exactly there; anything unusual (an empty cell, a number too large,
+// the end of the cells) ends the part unfinished, and the rows in order
+// then read that half themselves, with the messages that belong to it.
+class RowsAhead {
+ public:
+  // `expected` is the number of rows the file size suggests.
+  RowsAhead(const CellReader& in, long n, bool text, long expected) {
+    const std::size_t left = in.Length() - in.Position();
+    if (n < 1 || left < (1u << 20) || WorkerCount() < 2) return;
+    start_ = in.NextLineStart(in.Position() + left / 2);
+    if (start_ >= in.Length()) return;
+    // Room for a little more than half the rows, so that they are not moved.
+    const std::size_t room = static_cast<std::size_t>(std::min(expected, kRowUpper) / 2 + 64);
+    labels_.reserve(room);
+    values_.reserve(room * static_cast<std::size_t>(n + 1));
+    try {
+      thread_ = std::thread([this, &in, n, text] { Read(in.Part(start_), n, text); });
+    } catch (const std::system_error&) {
+      // No thread to be had: the rows in order read everything.
+    }
+  }
+  ~RowsAhead() { Stop(); }
+  RowsAhead(const RowsAhead&) = delete;
+  RowsAhead& operator=(const RowsAhead&) = delete;
+
+  // Where the part starts; no position when there is none.
+  std::size_t Start() const { return thread_.joinable() ? start_ : std::string::npos; }
+  // Waits for the part: true when it read every row to the end of the cells.
+  bool Finish() {
+    if (thread_.joinable()) thread_.join();
+    return complete_;
+  }
+  void Stop() {
+    stop_.store(true, std::memory_order_relaxed);
+    if (thread_.joinable()) thread_.join();
+  }
+  std::size_t Rows() const { return labels_.size(); }
+  const double* Values(std::size_t row) const { return values_.data() + row * width_; }
+  std::string& Label(std::size_t row) { return labels_[row]; }
+  std::size_t End() const { return end_; }
+
+ private:
+  void Read(CellReader part, long n, bool text) {
+    width_ = static_cast<std::size_t>(n + 1);
+    try {
+      for (;;) {
+        if (stop_.load(std::memory_order_relaxed)) return;
+        if (part.AtEnd()) {
+          end_ = part.Position();
+          complete_ = true;
+          return;
+        }
+        if (static_cast<long>(labels_.size()) >= kRowUpper) return;
+        std::string_view label = part.Next();
+        labels_.push_back(text ? std::string(label) : NormalisedLabel(label));
+        const std::size_t base = values_.size();
+        values_.resize(base + width_);
+        for (long j = 1; j <= n; ++j) {
+          bool empty;
+          values_[base + static_cast<std::size_t>(j)] = part.NextLenient(empty);
+          if (empty) return;
+        }
+      }
+    } catch (...) {
+      // Left to the rows in order, which fail the same way in their place.
+    }
+  }
+
+  std::thread thread_;
+  std::atomic<bool> stop_{false};
+  std::size_t start_ = 0, end_ = 0, width_ = 0;
+  bool complete_ = false;
+  std::vector<std::string> labels_;
+  std::vector<double> values_;
+};
+
 // Taxa check of the second import: by position, with the user accepting
 // differing names as synonyms.
 void CheckTaxa(Session& s, Dialogs& dialogs, Where& where) {
@@ -125,7 +219,8 @@ void CheckTaxa(Session& s, Dialogs& dialogs, Where& where) {
 void RunImport(Session& s, const Target& t, const std::optional<std::string>& path,
                Dialogs& dialogs, Where& where) {
   const bool fossil = !t.reference;
-  if (!s.ReferenceIsBase && !s.FossilIsBase) (t.reference ? s.ReferenceIsBase : s.FossilIsBase) = true;
+  if (!s.ReferenceIsBase && !s.FossilIsBase)
+    (t.reference ? s.ReferenceIsBase : s.FossilIsBase) = true;
   const bool isBase = t.reference ? s.ReferenceIsBase : s.FossilIsBase;
 
   if (!path) throw RuntimeFailure(FailureKind::Cancelled);
@@ -165,10 +260,25 @@ void RunImport(Session& s, const Target& t, const std::optional<std::string>& pa
   // Room for the rows the file size suggests, judged by the cells so far.
   const double bytesPerCell = static_cast<double>(in.Position()) / static_cast<double>(2 * k - 3);
   double estimate = static_cast<double>(in.Length()) / (bytesPerCell * (n + 1)) * 1.1 + 8;
-  values.Reserve(estimate < kRowUpper ? static_cast<long>(estimate) : kRowUpper);
+  const long expected = estimate < kRowUpper ? static_cast<long>(estimate) : kRowUpper;
+  values.Reserve(expected);
   Count& rows = *t.rowCount;
   rows = 0;
+  RowsAhead ahead(in, n, text, expected);
   for (long r = 1;; ++r) {
+    if (r >= 3 && ahead.Start() == in.Position() && ahead.Finish()) {
+      // The rows in order have arrived where the part began: take its rows.
+      for (std::size_t k = 0; k < ahead.Rows(); ++k, ++r) {
+        (void)labels(r);
+        rows = ToCount(static_cast<long long>(r));
+        double* v = values.Row(r);
+        std::memcpy(v + 1, ahead.Values(k) + 1, static_cast<std::size_t>(n) * sizeof(double));
+        labels(r) = std::move(ahead.Label(k));
+      }
+      in.Seek(ahead.End());
+      break;
+    }
+    if (ahead.Start() != std::string::npos && in.Position() > ahead.Start()) ahead.Stop();
     if (in.AtEnd()) break;
     where.At(r + 1, 1);
     (void)labels(r);  // the label list holds rows up to 9999
@@ -353,8 +463,8 @@ static ImportResult Import(Session& s, bool reference, const std::optional<std::
   return result;
 }
 
-ImportResult ImportReference(Session& s, const std::optional<std::string>& path,
-                             Dialogs& dialogs, Progress& progress) {
+ImportResult ImportReference(Session& s, const std::optional<std::string>& path, Dialogs& dialogs,
+                             Progress& progress) {
   return Import(s, true, path, dialogs, progress);
 }
 

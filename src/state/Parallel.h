@@ -6,6 +6,7 @@
 #include <atomic>
 #include <exception>
 #include <functional>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -48,6 +49,35 @@ inline void ParallelRows(long first, long last, long grain,
   } catch (...) {
     errors[0] = std::current_exception();
   }
+  for (auto& t : threads) t.join();
+  for (auto& e : errors)
+    if (e) std::rethrow_exception(e);
+}
+
+// Calls body(task) for each task 0..count-1, handed out one at a time to
+// the calling thread and the other workers as each becomes free: a core
+// that another program holds only means fewer tasks for its thread, not a
+// wait for its share. Order tasks from the largest for an even finish.
+inline void ParallelTasks(long count, const std::function<void(long)>& body) {
+  if (count <= 0) return;
+  const unsigned workers = static_cast<unsigned>(std::min<long>(WorkerCount(), count));
+  std::atomic<long> next{0};
+  std::vector<std::exception_ptr> errors(workers);
+  auto run = [&](unsigned w) {
+    try {
+      for (long t; (t = next.fetch_add(1, std::memory_order_relaxed)) < count;) body(t);
+    } catch (...) {
+      errors[w] = std::current_exception();
+      next.store(count);
+    }
+  };
+  std::vector<std::thread> threads;
+  try {
+    for (unsigned w = 1; w < workers; ++w) threads.emplace_back(run, w);
+  } catch (const std::system_error&) {
+    // Fewer threads than asked: those there are take all the tasks.
+  }
+  run(0);
   for (auto& t : threads) t.join();
   for (auto& e : errors)
     if (e) std::rethrow_exception(e);

@@ -32,13 +32,15 @@ RecordWriter& RecordWriter::Text(std::string_view s) {
 
 RecordWriter& RecordWriter::Number(double v) {
   Separate();
-  out_ += FormatGeneral(v);
+  char text[kNumberTextMax];
+  out_.append(text, WriteGeneral(text, v));
   return *this;
 }
 
 RecordWriter& RecordWriter::Single(float v) {
   Separate();
-  out_ += FormatSingle(v);
+  char text[kNumberTextMax];
+  out_.append(text, WriteSingle(text, v));
   return *this;
 }
 
@@ -71,23 +73,32 @@ bool WriteAll(int fd, const std::string& text) {
 
 // Truncates and writes in place: for devices, and for a file whose folder
 // takes no new files.
-bool WriteInPlace(const std::string& path, const std::string& text) {
+template <typename Write>
+bool WriteInPlace(const std::string& path, Write&& write) {
   int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
   if (fd < 0) return false;
-  bool ok = WriteAll(fd, text);
+  bool ok = write(fd);
   return ::close(fd) == 0 && ok;
 }
 
 }  // namespace
 
-void RecordWriter::Save(const std::string& path) const {
+void RecordWriter::Save(const std::string& path) const { Save(path, {}); }
+
+void RecordWriter::Save(const std::string& path, const std::vector<RecordWriter>& more) const {
+  auto write = [&](int fd) {
+    if (!WriteAll(fd, out_)) return false;
+    for (const RecordWriter& w : more)
+      if (!WriteAll(fd, w.out_)) return false;
+    return true;
+  };
   // The new content goes into a file beside the old one and is renamed over
   // it only when every byte is written, so a full disk or a failed write
   // leaves an existing file as it was.
   struct stat info {};
   const bool exists = ::lstat(path.c_str(), &info) == 0;
   if (exists && !S_ISREG(info.st_mode)) {
-    if (!WriteInPlace(path, out_)) throw RuntimeFailure(FailureKind::FileNotFound, path);
+    if (!WriteInPlace(path, write)) throw RuntimeFailure(FailureKind::FileNotFound, path);
     return;
   }
   static std::atomic<unsigned> serial{0};
@@ -97,11 +108,11 @@ void RecordWriter::Save(const std::string& path) const {
   if (fd < 0) {
     // A folder without write permission may still hold a writable file.
     if (exists && (errno == EACCES || errno == EPERM || errno == EROFS) &&
-        ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0 && WriteInPlace(path, out_))
+        ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0 && WriteInPlace(path, write))
       return;
     throw RuntimeFailure(FailureKind::FileNotFound, path);
   }
-  bool ok = WriteAll(fd, out_);
+  bool ok = write(fd);
   // A replaced file keeps its permissions.
   if (ok && exists) ok = ::fchmod(fd, info.st_mode & 07777) == 0;
   ok = ::close(fd) == 0 && ok;

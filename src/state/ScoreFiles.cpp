@@ -1,8 +1,11 @@
 #include "state/ScoreFiles.h"
 
+#include <algorithm>
 #include <ctime>
+#include <vector>
 
 #include "state/Format.h"
+#include "state/Parallel.h"
 #include "state/RecordWriter.h"
 
 namespace varnoth {
@@ -29,7 +32,9 @@ void PreTreatmentLines(RecordWriter& w, const Session& s) {
   const PreTreatmentSettings& p = s.PreTreatment;
   w.Text("Data pre-treatment: ").Text(p.ConvertToPercent ? "Proportion" : "Raw data").End();
   w.Text("Enhancing minor taxa: ")
-      .Text(!p.Enhance ? "N/A" : p.SquareRoot ? "Square root" : "Log")
+      .Text(!p.Enhance     ? "N/A"
+            : p.SquareRoot ? "Square root"
+                           : "Log")
       .End();
   w.Text("Type of matrix: ").Text(p.Correlation ? "Correlation" : "Variance/Covariance").End();
 }
@@ -44,6 +49,24 @@ void Contributions(RecordWriter& w, const Session& s, long count) {
   w.Text("Contribution:");
   for (long n = 1; n <= count; ++n) w.Single(s.Contribution(n));
   w.End();
+}
+
+// The rows of a score table: `row(w, i)` writes record i. Slices of rows
+// are put into text on all cores and written after the heading in order,
+// so the file is the one a single writer gives.
+template <typename Row>
+std::vector<RecordWriter> Rows(long rows, long columns, Progress& progress, Row row) {
+  constexpr long kSlice = 256;
+  const long slices = (rows + kSlice - 1) / kSlice;
+  std::vector<RecordWriter> parts(static_cast<std::size_t>(std::max(0L, slices)));
+  ParallelTasks(slices, [&](long t) {
+    RecordWriter& part = parts[static_cast<std::size_t>(t)];
+    // A number takes at most 22 characters and its comma.
+    part.Reserve(static_cast<std::size_t>(kSlice * (23 * columns + 64)));
+    for (long i = t * kSlice + 1; i <= std::min(rows, (t + 1) * kSlice); ++i) row(part, i);
+  });
+  if (rows > 0) progress.Step(rows);
+  return parts;
 }
 
 }  // namespace
@@ -85,13 +108,12 @@ void sSaveScore(const Session& s, const std::string& path, const FileStamp& stam
   w.Text("No. of reference sites: ").Integer(sites).End();
   EofNumbers(w, n);
   Contributions(w, s, n);
-  for (long i = 1; i <= sites; ++i) {
-    w.Text(s.RefSiteNames(i));
-    for (long c = 1; c <= n; ++c) w.Number(s.RefScores(i, c));
-    w.End();
-    progress.Step(i);
-  }
-  w.Save(path);
+  auto rows = Rows(sites, n, progress, [&](RecordWriter& r, long i) {
+    r.Text(s.RefSiteNames(i));
+    for (long c = 1; c <= n; ++c) r.Number(s.RefScores(i, c));
+    r.End();
+  });
+  w.Save(path, rows);
   progress.Finish();
 }
 
@@ -136,14 +158,13 @@ void fSaveScore(const Session& s, const std::string& path, const FileStamp& stam
     w.Text(used ? "Yes" : "No");
   }
   w.End();
-  for (long i = 1; i <= samples; ++i) {
-    w.Text(s.FossilLabels(i));
-    w.Text(!s.EnvelopeDone ? "?" : s.SampleIsOut(i) ? "Out" : "In");
-    for (long c = 1; c <= n; ++c) w.Number(s.FossilScores(i, c));
-    w.End();
-    progress.Step(i);
-  }
-  w.Save(path);
+  auto rows = Rows(samples, n, progress, [&](RecordWriter& r, long i) {
+    r.Text(s.FossilLabels(i));
+    r.Text(!s.EnvelopeDone ? "?" : s.SampleIsOut(i) ? "Out" : "In");
+    for (long c = 1; c <= n; ++c) r.Number(s.FossilScores(i, c));
+    r.End();
+  });
+  w.Save(path, rows);
   progress.Finish();
 }
 

@@ -74,6 +74,9 @@ struct Session {
   // Whether each import may still run: a successful import closes its own
   // for good; the end of the base analysis and a failure open one again.
   bool ReferenceImportOpen = true, FossilImportOpen = true;
+  // The folder of the shipped example set when the user opened it, where the
+  // later file dialogs of the session start; empty otherwise.
+  std::string ExampleFolder;
 
   // The pre-treatment confirmed in the dialog; the second import applies it.
   PreTreatmentSettings PreTreatment;

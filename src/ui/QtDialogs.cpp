@@ -34,6 +34,25 @@ std::optional<std::string> QtDialogs::SaveFileName(const std::string& filter) {
   return name.toStdString();
 }
 
+std::optional<std::string> QtDialogs::SaveFileNameChoosing(const std::string& filter,
+                                                           int& chosen) {
+  const QStringList filters = QtFilter(filter).split(QStringLiteral(";;"));
+  QString selected;
+  QString name = QFileDialog::getSaveFileName(parent_, QString(), QString(),
+                                              filters.join(QStringLiteral(";;")), &selected);
+  chosen = static_cast<int>(filters.indexOf(selected));
+  if (name.isEmpty()) return std::nullopt;
+  return name.toStdString();
+}
+
+std::optional<std::string> QtDialogs::OpenFileNameIn(const std::string& filter,
+                                                     const std::string& folder) {
+  QString name = QFileDialog::getOpenFileName(parent_, QString(), QString::fromStdString(folder),
+                                              QtFilter(filter));
+  if (name.isEmpty()) return std::nullopt;
+  return name.toStdString();
+}
+
 void QtDialogs::Message(const std::string& text, const std::string& title) {
   // The user must see the message with a normal pointer.
   const bool busy = BusyPointer::IsBusy();
@@ -73,6 +92,16 @@ std::optional<std::string> OwnedDialogs::OpenFileName(const std::string& filter)
 
 std::optional<std::string> OwnedDialogs::SaveFileName(const std::string& filter) {
   return Owned([&] { return inner_.SaveFileName(filter); });
+}
+
+std::optional<std::string> OwnedDialogs::SaveFileNameChoosing(const std::string& filter,
+                                                              int& chosen) {
+  return Owned([&] { return inner_.SaveFileNameChoosing(filter, chosen); });
+}
+
+std::optional<std::string> OwnedDialogs::OpenFileNameIn(const std::string& filter,
+                                                        const std::string& folder) {
+  return Owned([&] { return inner_.OpenFileNameIn(filter, folder); });
 }
 
 void OwnedDialogs::Message(const std::string& text, const std::string& title) {

@@ -19,6 +19,9 @@ class QtDialogs final : public Dialogs {
   QWidget* Parent() const { return parent_; }
   std::optional<std::string> OpenFileName(const std::string& filter) override;
   std::optional<std::string> SaveFileName(const std::string& filter) override;
+  std::optional<std::string> SaveFileNameChoosing(const std::string& filter, int& chosen) override;
+  std::optional<std::string> OpenFileNameIn(const std::string& filter,
+                                            const std::string& folder) override;
   void Message(const std::string& text, const std::string& title) override;
   bool Question(const std::string& text, const std::string& title) override;
 
@@ -34,6 +37,9 @@ class OwnedDialogs final : public Dialogs {
   OwnedDialogs(Dialogs& inner, QWidget* owner) : inner_(inner), owner_(owner) {}
   std::optional<std::string> OpenFileName(const std::string& filter) override;
   std::optional<std::string> SaveFileName(const std::string& filter) override;
+  std::optional<std::string> SaveFileNameChoosing(const std::string& filter, int& chosen) override;
+  std::optional<std::string> OpenFileNameIn(const std::string& filter,
+                                            const std::string& folder) override;
   void Message(const std::string& text, const std::string& title) override;
   bool Question(const std::string& text, const std::string& title) override;
   Dialogs& Inner() { return inner_; }

@@ -23,6 +23,8 @@ class ScriptedDialogs final : public Dialogs {
   std::vector<Shown> Messages;
   std::vector<Shown> Questions;
   std::vector<std::string> Filters;
+  std::deque<int> SaveChoices;           // the filter chosen with each save name; empty: -1
+  std::vector<std::string> OpenFolders;  // where each open dialog that names one starts
 
   std::optional<std::string> OpenFileName(const std::string& filter) override {
     Filters.push_back(filter);
@@ -31,6 +33,20 @@ class ScriptedDialogs final : public Dialogs {
   std::optional<std::string> SaveFileName(const std::string& filter) override {
     Filters.push_back(filter);
     return Take(SaveNames);
+  }
+  std::optional<std::string> SaveFileNameChoosing(const std::string& filter,
+                                                  int& chosen) override {
+    chosen = -1;
+    if (!SaveChoices.empty()) {
+      chosen = SaveChoices.front();
+      SaveChoices.pop_front();
+    }
+    return SaveFileName(filter);
+  }
+  std::optional<std::string> OpenFileNameIn(const std::string& filter,
+                                            const std::string& folder) override {
+    OpenFolders.push_back(folder);
+    return OpenFileName(filter);
   }
   void Message(const std::string& text, const std::string& title) override {
     Messages.push_back({text, title});

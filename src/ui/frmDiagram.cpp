@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/ToolTips.h"
 
@@ -195,6 +196,23 @@ void frmDiagram::BuildMenus() {
   RB3->setTitle("RightButton3");
   mnuCopyTaxaName = Entry(this, "mnuCopyTaxaName", "&Copy");
   RB3->addAction(mnuCopyTaxaName);
+
+  // The figures as files for papers, from their menus and from Edit.
+  const std::vector<PictureChoice> pictures = {
+      {"mnuSavePictureDiagram", "Diagram",
+       [this]() -> const Surface& { return Picture1->surface(); }},
+      {"mnuSavePictureEOF", "EOF Curve",
+       [this]() -> const Surface& { return Picture2->surface(); }},
+      {"mnuSavePictureTaxaName", "Taxa Names",
+       [this]() -> const Surface& { return Picture4->surface(); }}};
+  QMenu* popups[] = {RB1, RB2, RB3};
+  for (std::size_t i = 0; i < pictures.size(); ++i)
+    AddSavePictureEntry(popups[i], pictures[i].ObjectName, dialogs_, boundary_, pictures[i].Of);
+  QMenu* edit = menuBar()->addMenu("Edit(&E)");
+  edit->setObjectName("mnuEdit");
+  std::vector<PictureChoice> editEntries = pictures;
+  for (PictureChoice& c : editEntries) c.ObjectName.replace("mnuSavePicture", "mnuEditPicture");
+  AddSavePictureMenu(edit, dialogs_, boundary_, editEntries);
 }
 
 void frmDiagram::ConnectEvents() {

@@ -16,6 +16,7 @@
 #include "diagram/EofClimateCorrelation.h"
 #include "reconstruction/ClimateImport.h"
 #include "state/Format.h"
+#include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/frmDiagram.h"
 
@@ -135,6 +136,19 @@ void frmECC::BuildControls() {
   mnuCopy = new QAction("&Copy", this);
   mnuCopy->setObjectName("mnuCopy");
   RB->addAction(mnuCopy);
+  // The scatter as a file for papers.
+  AddSavePictureEntry(RB, "mnuSavePicture", dialogs_, boundary_,
+                      [this]() -> const Surface& { return Picture3->surface(); });
+  // The table in view with its heads, placed as on the screen.
+  AddSavePictureEntry(
+      RB, "mnuSaveTablePicture", dialogs_, boundary_,
+      [this] {
+        std::vector<PlacedSurface> parts;
+        for (PictureBox* p : {Picture2, Picture1, Picture0[0], Picture0[1]})
+          parts.push_back({&p->surface(), p->pos()});
+        return parts;
+      },
+      "Save Table Picture As...");
 
   setFixedSize(Frame2->geometry().right() + 9, Frame1->geometry().bottom() + 9);
 }

@@ -14,9 +14,12 @@
 #include <QRadioButton>
 #include <QSlider>
 #include <algorithm>
+#include <tuple>
 
 #include "reconstruction/ClimateImport.h"
+#include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
+#include "ui/frmCalib.h"
 #include "ui/frmDiagram.h"
 
 namespace varnoth {
@@ -275,6 +278,20 @@ void frmMAT::BuildMenus() {
   mnuCopy4 = Entry(this, "mnuCopy4", "&Copy");
   mnuSaveOstrel2 = Entry(this, "mnuSaveOstrel2", "&Save Matrix");
   mnuRB4->addActions({mnuCopy4, mnuSaveOstrel2});
+
+  // The figures as files for papers, from their menus and from Edit.
+  std::vector<PictureChoice> pictures;
+  const std::tuple<QMenu*, QAction*, PictureBox**, const char*, const char*> figures[] = {
+      {mnuRB1, mnuCopy1, &Picture1, "1", "Reconstruction Curve"},
+      {mnuRB2, mnuCopy2, &Picture2, "2", "Estimated-Observed Scatter"},
+      {mnuRB3, mnuCopy3, &Picture3, "3", "Tamsek Matrix"},
+      {mnuRB4, mnuCopy4, &Picture4, "4", "Ostrel Matrix"}};
+  for (const auto& [menu, copy, box, n, caption] : figures) {
+    SurfaceOf of = [box]() -> const Surface& { return (*box)->surface(); };
+    AddSavePictureEntry(menu, QString("mnuSavePicture") + n, dialogs_, boundary_, of, copy);
+    pictures.push_back({QString("mnuEditPicture") + n, caption, of, copy});
+  }
+  AddSavePictureMenu(mnuEdit, dialogs_, boundary_, pictures);
 }
 
 void frmMAT::Open() {
@@ -405,7 +422,11 @@ void frmMAT::Activate() {
     bool& flag;
     ~Done() { flag = false; }
   } done{activating_};
-  // 1. Matrix colours are redrawn by the calibration tool once it exists.
+  // 1. Matrix colours changed elsewhere are redrawn.
+  if (coloursChanged_ && calibReady_) {
+    DrawResponseMatrices();
+    coloursChanged_ = false;
+  }
   // 2. Climate delivered by the interpolation tool fills the list.
   if (s_.ClimateLoaded) {
     const QSignalBlocker quiet(Combo1);
@@ -529,6 +550,7 @@ void frmMAT::closeEvent(QCloseEvent* event) {
                      mnuCopy4,
                      mnuSaveOstrel2})
     a->setEnabled(false);
+  if (calibWindow_) calibWindow_->close();
   // The next opening loads the window afresh.
   if (panelsOpen_) SetPanelsOpen(false);
   loaded_ = false;

@@ -5,7 +5,10 @@
 // Every change of a setting runs the search again through Reset.
 #include <QMainWindow>
 #include <array>
+#include <memory>
 
+#include "calibration/CalibState.h"
+#include "calibration/HistMatrix.h"
 #include "presentation/Colours.h"
 #include "presentation/ReconstructionFigure.h"
 #include "reconstruction/AnalogueSettings.h"
@@ -31,6 +34,7 @@ namespace varnoth {
 
 class PictureBox;
 class SampleUpDown;
+class frmCalib;
 
 class frmMAT : public QMainWindow {
   Q_OBJECT
@@ -38,6 +42,7 @@ class frmMAT : public QMainWindow {
   // Progress is the main window's bar, which the save operations use.
   frmMAT(Session& session, ColourSettings& colours, Dialogs& dialogs, Progress& mainProgress,
          QWidget* parent = nullptr);
+  ~frmMAT() override;
 
   // The main window's "Reconstruction": loads the window if it is not
   // loaded, shows it and runs its activation.
@@ -77,6 +82,24 @@ class frmMAT : public QMainWindow {
   bool HistReady() const { return histReady_; }
   bool ScaleEdited() const { return scaleEdited_; }
   double ZEnhancement() const { return zEnhancement_; }
+  // The chart of the calibration tool sets the shared enhancement too.
+  void SetZEnhancement(double z) { zEnhancement_ = z; }
+
+  // The calibration tool and what it hands back, in frmMAT_calib.cpp.
+  frmCalib* CalibWindow() const { return calibWindow_.get(); }
+  CalibState* Calib() const { return calib_.get(); }
+  const HistState& Hist() const { return hist_; }
+  // Command6: the matrix at the first click, then the tool.
+  void OpenCalibration();
+  // Command10 of the tool: slot 8 stands; the matrix is shown.
+  void ReceiveCalibration();
+  // The tool dropped its result: the matrices here go too.
+  void CalibrationCleared();
+  // Command4: the calibration applied down the core.
+  void BuildHistMatrix();
+  void DrawResponseMatrices();
+  void SaveOstrel();
+  void SaveTamsek();
 
   // Controls, by their names.
   QGroupBox *Frame1 = nullptr, *Frame2 = nullptr, *Frame3 = nullptr, *Frame4 = nullptr,
@@ -191,6 +214,12 @@ class frmMAT : public QMainWindow {
   bool dragging_ = false, sizing_ = false;
   bool activating_ = false;
   double zEnhancement_ = 1;
+  std::unique_ptr<CalibState> calib_;
+  std::unique_ptr<frmCalib> calibWindow_;
+  HistState hist_;
+  void DrawHistPicture();
+  void DrawMatrixLines();
+  CalibSettings CalibSettingsShown() const;
   double threshold_ = 0.2;  // AnalogueThreshold, set by DefineThreshold
   int frame5Width_ = 0;
   int pictureWidth_ = 0;  // Picture1 to Picture4, from Slider7

@@ -20,6 +20,7 @@
 #include "reconstruction/Curves.h"
 #include "state/Format.h"
 #include "ui/PictureBox.h"
+#include "ui/frmCalib.h"
 #include "ui/frmDiagram.h"
 #include "ui/frmMAT.h"
 
@@ -94,11 +95,25 @@ void frmMAT::ConnectEvents() {
   connect(Command5, &QPushButton::clicked, this,
           [this] { Command5->setText(histReady_ ? "Hist: Yes" : "Hist: No"); });
   for (QRadioButton* o : Option4)
-    connect(o, &QRadioButton::clicked, this,
-            [this] { boundary_.Run([this] { DrawReconstructionCurve(); }); });
+    connect(o, &QRadioButton::clicked, this, [this] {
+      boundary_.Run([this] {
+        DrawResponseMatrices();
+        DrawReconstructionCurve();
+      });
+    });
   for (QCheckBox* c : Check4)
-    connect(c, &QCheckBox::clicked, this,
-            [this] { boundary_.Run([this] { DrawReconstructionCurve(); }); });
+    connect(c, &QCheckBox::clicked, this, [this] {
+      boundary_.Run([this] {
+        DrawResponseMatrices();
+        DrawReconstructionCurve();
+      });
+    });
+  connect(Command6, &QPushButton::clicked, this, &frmMAT::OpenCalibration);
+  connect(Command4, &QPushButton::clicked, this, &frmMAT::BuildHistMatrix);
+  for (QAction* a : {mnuSaveOstrel, mnuSaveOstrel2})
+    connect(a, &QAction::triggered, this, &frmMAT::SaveOstrel);
+  for (QAction* a : {mnuSaveTamsek, mnuSaveTamsek2})
+    connect(a, &QAction::triggered, this, &frmMAT::SaveTamsek);
 
   const std::pair<QAction*, void (frmMAT::*)()> saves[] = {
       {mnuSaveCurveVOnly, &frmMAT::SaveCurve},
@@ -254,7 +269,8 @@ void frmMAT::Inport_climate_data() {
   boundary_.Run([this] {
     std::optional<std::string> path;
     if (!s_.ClimateLoaded) {
-      path = dialogs_.OpenFileName(kDataFileFilter);
+      path = s_.ExampleFolder.empty() ? dialogs_.OpenFileName(kDataFileFilter)
+                                      : dialogs_.OpenFileNameIn(kDataFileFilter, s_.ExampleFolder);
       if (!path) return;  // a cancel leaves everything as it was
     }
     const ClimateImportResult r = varnoth::Inport_climate_data(s_, path, dialogs_);
@@ -331,7 +347,10 @@ void frmMAT::DrawReconstructionCurve() {
   Surface& p3 = Picture3->surface();
   p3.SetScale(set.Low, static_cast<double>(s_.DiagramGapA), set.High - set.Low,
               static_cast<double>(s_.DiagramGapB));
-  if (!histReady_) p3.SetBackColour(palette().color(QPalette::Window));
+  if (histReady_)
+    DrawHistPicture();
+  else
+    p3.SetBackColour(palette().color(QPalette::Window));
   const Count p = SetCurrentParameter(s_, Combo1->currentText().toStdString());
   varnoth::DrawReconstructionCurve(s_, p, set, Picture1->surface());
   if (Picture3->isVisible()) DrawCurveMarker(s_, set, Picture1->surface(), &p3);
@@ -359,6 +378,8 @@ void frmMAT::DrawEstObsScatter() {
   Picture2->update();
   s_.ErrorModelReady = true;
   Command3->setEnabled(false);
+  // The calibration tool takes the error model from here.
+  Command6->setEnabled(true);
   for (QAction* a : {mnuSaveScatter, mnuSaveScatter2, mnuCopy2}) a->setEnabled(true);
   const std::optional<double> r = EstObsCorrelation(s_, p);
   // The matrix panels take the label over while the histogram stands.
@@ -411,6 +432,9 @@ void frmMAT::ChangePara() {
 void frmMAT::EmptyMatrices() {
   Empty(this, Picture3);
   histReady_ = false;
+  hist_.HistReady = false;
+  if (calib_) calib_->CalibReady = false;
+  Command4->setEnabled(false);
   for (QAction* a : {mnuSaveTamsek, mnuSaveTamsek2, mnuCopy3}) a->setEnabled(false);
   Empty(this, Picture4);
   calibReady_ = false;
@@ -480,8 +504,14 @@ void frmMAT::Slider6Changed() {
 void frmMAT::Slider5Changed() {
   zEnhancement_ = Slider5->value() / 100.0;
   // Only the matrix colours depend on it; the calibration tool redraws them.
+  boundary_.Run([this] {
+    if (calibReady_ && Option4[0]->isChecked()) DrawResponseMatrices();
+  });
   coloursChanged_ = true;
-  if (calibReady_) coloursChanged_ = false;
+  if (calibReady_ && calibWindow_) {
+    calibWindow_->ToggleColours();
+    coloursChanged_ = false;
+  }
 }
 
 void frmMAT::Slider7Changed() {

@@ -322,6 +322,8 @@ void frmMain::BuildMenus() {
   save->addAction(mnuSaveL);
   save->addAction(mnuSaveS);
   save->addAction(mnuSaveF);
+  mnuOpenExample = Entry(this, "mnuOpenExample", "Open &Example Data");
+  file->addAction(mnuOpenExample);
   mnuQuit = Entry(this, "mnuQuit", "&Quit");
   file->addAction(mnuQuit);
 
@@ -369,6 +371,7 @@ void frmMain::BuildPopups() {
   mnuFig2R = popup("mnuFig2R", "Fig2(1)");
   mnuCopy2R = Entry(this, "mnuCopy2R", "Copy");
   mnuFig2R->addAction(mnuCopy2R);
+  AddPictureFiles();
 }
 
 void frmMain::StartValues() {
@@ -457,6 +460,7 @@ void frmMain::ConnectEvents() {
   connect(Command6, &QPushButton::clicked, this, &frmMain::ImportFossil);
   connect(Command7, &QPushButton::clicked, this, &frmMain::QuitProgram);
   connect(mnuQuit, &QAction::triggered, this, &frmMain::QuitProgram);
+  connect(mnuOpenExample, &QAction::triggered, this, &frmMain::OpenExampleData);
   connect(Command9, &QPushButton::clicked, this, [this] {
     frmTest* t = TestForm();
     if (NeverPlaced(t)) PlaceCentredOn(t, this);

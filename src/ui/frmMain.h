@@ -8,6 +8,8 @@
 #include <array>
 #include <functional>
 #include <map>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "presentation/Colours.h"
@@ -127,6 +129,7 @@ class frmMain : public QMainWindow {
   void BuildControls();
   void BuildMenus();
   void BuildPopups();
+  void AddPictureFiles();  // frmMain_export.cpp
   void ConnectEvents();
   void StartValues();
   QWidget* BuildDisplayFrame();
@@ -136,7 +139,9 @@ class frmMain : public QMainWindow {
                           const QString& comboName, const QString& steppingName);
 
   // Stages, in frmMain_import.cpp.
-  void RunImport(bool reference);
+  // With a path given, that table is read without asking.
+  void RunImport(bool reference, std::optional<std::string> given = std::nullopt);
+  bool exampleFossilPending_ = false;  // the example set's fossil table follows the base
   void BaseImportRead();
   void SecondImportRead(bool fossil);
   void EofAnalysisEnded();
@@ -231,6 +236,9 @@ class frmMain : public QMainWindow {
           *mnuCopy1L = nullptr, *mnuSaveL2 = nullptr, *mnuCopy1R = nullptr, *mnuCopy2L = nullptr,
           *mnuSaveS2 = nullptr, *mnuSaveF2 = nullptr, *mnuCopy2R = nullptr;
   QMenu *mnuFig1L = nullptr, *mnuFig1R = nullptr, *mnuFig2L = nullptr, *mnuFig2R = nullptr;
+  // File > "Open Example Data": the shipped tables through the usual imports.
+  QAction* mnuOpenExample = nullptr;
+  void OpenExampleData();
 
  private:
   std::array<PictureBox*, 2> picture1_{}, picture2_{};

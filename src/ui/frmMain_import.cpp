@@ -19,6 +19,9 @@ namespace varnoth {
 void frmMain::ImportButtonsFromSession() {
   Command5->setEnabled(s_.ReferenceImportOpen);
   Command6->setEnabled(s_.FossilImportOpen);
+  // The example set is a whole session's data: only before any import.
+  if (mnuOpenExample)
+    mnuOpenExample->setEnabled(s_.ReferenceImportOpen && s_.FossilImportOpen && !s_.EofDone);
 }
 
 void frmMain::RestartTurning() {
@@ -29,7 +32,7 @@ void frmMain::ImportReference() { RunImport(true); }
 
 void frmMain::ImportFossil() { RunImport(false); }
 
-void frmMain::RunImport(bool reference) {
+void frmMain::RunImport(bool reference, std::optional<std::string> given) {
   timer1_.stop();
   // The reference read holds the main window until it ends; as the base it
   // stays held until the pre-treatment is confirmed.
@@ -43,7 +46,7 @@ void frmMain::RunImport(bool reference) {
   };
   const bool ran = boundary_.Run(
       [&] {
-        std::optional<std::string> path = dialogs_.OpenFileName(kDataFileFilter);
+        std::optional<std::string> path = given ? given : dialogs_.OpenFileName(kDataFileFilter);
         BusyPointer::Set();
         result = reference ? varnoth::ImportReference(s_, path, dialogs_, progress_)
                            : varnoth::ImportFossil(s_, path, dialogs_, progress_);
@@ -133,6 +136,10 @@ void frmMain::ConfirmPreTreatment(const PreTreatmentSettings& settings) {
   if (done) EofAnalysisEnded();
   ImportButtonsFromSession();
   ShowAnalysisState();
+  if (done && exampleFossilPending_) {
+    exampleFossilPending_ = false;
+    RunImport(false, s_.ExampleFolder + "/fossil.csv");
+  }
 }
 
 void frmMain::EofAnalysisEnded() {

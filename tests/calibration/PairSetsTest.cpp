@@ -266,3 +266,14 @@ TEST(GeneratedModel, LabelsShowTheModelAndComeBackAfterwards) {
   EXPECT_EQ(c.Labels.Label17, "");
   EXPECT_EQ(c.Labels.Label21[1], "");
 }
+
+TEST(PairFile, RowsStoredCountIncompleteRowsAndStartAgainAtEachFile) {
+  TempDir dir;
+  CalibState c;
+  ASSERT_TRUE(ImportPairFile(c, 1, dir.Write("p.csv", PairFile({"5,6", ",7", "8,9", "10,"}))));
+  EXPECT_EQ(c.PairRows[1], 4);  // the scatter reads this far
+  EXPECT_EQ(c.Labels.Label12[1], "2");
+  ASSERT_TRUE(ImportPairFile(c, 1, dir.Write("q.csv", "Vest,Vobs\r\n")));
+  EXPECT_EQ(c.PairRows[1], 0);
+  EXPECT_EQ(c.PairRows[0], 0);
+}

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <thread>
+#include <vector>
 
 #include "eof/Eigen.h"
 #include "eof/PreTreatment.h"
@@ -36,8 +39,8 @@ void Treat(Session& s, const PreTreatmentSettings& p) {
     double sum = 0;
     for (long j = 1; j <= s.RefTaxaCount; ++j) sum += s.RefData(i, j);
     for (long j = 1; j <= s.RefTaxaCount; ++j) {
-      s.RefProportion(i, j) = p.ConvertToPercent ? (sum == 0 ? 0 : s.RefData(i, j) / sum)
-                                                 : s.RefData(i, j);
+      s.RefProportion(i, j) =
+          p.ConvertToPercent ? (sum == 0 ? 0 : s.RefData(i, j) / sum) : s.RefData(i, j);
       if (p.Enhance) s.RefData(i, j) = EnhanceValue(s.RefProportion(i, j), p);
     }
   }
@@ -142,6 +145,36 @@ TEST(Eigen, FastAnalysisEqualsLiteralOnAWideTable) {
   });
   PreTreatmentSettings p;
   CompareWithLiteral(t, p);
+}
+
+// More rows than the matrix sums take in one slice, and taxa that do not
+// fill the last panel of 8 columns.
+TEST(Eigen, FastAnalysisEqualsLiteralOnManyRows) {
+  std::string t = MakeTable(21, 700, true, [](int i, int j) {
+    return static_cast<double>((i * 13 + j * 7 + (i * j) % 11) % 23) / 3;
+  });
+  PreTreatmentSettings p;
+  CompareWithLiteral(t, p);
+  p.Correlation = true;
+  CompareWithLiteral(t, p);
+}
+
+// Threads that keep both cores busy take the power iteration's helper away
+// at random moments; the numbers must not depend on who did which part.
+TEST(Eigen, FastAnalysisEqualsLiteralWhileTheCoresAreBusy) {
+  std::atomic<bool> stop{false};
+  std::vector<std::thread> busy;
+  for (int k = 0; k < 3; ++k)
+    busy.emplace_back([&] {
+      volatile double x = 1;
+      while (!stop.load(std::memory_order_relaxed)) x = x * 1.0000001;
+    });
+  std::string t = MakeTable(170, 90, true, [](int i, int j) {
+    return static_cast<double>((i * 29 + j * 3 + (i * j) % 13) % 31) / 7;
+  });
+  CompareWithLiteral(t, PreTreatmentSettings{});
+  stop = true;
+  for (auto& b : busy) b.join();
 }
 
 TEST(Eigen, FastAnalysisEqualsLiteralWithAFossilBase) {

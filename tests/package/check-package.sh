@@ -23,6 +23,8 @@ for d in fonts-dejavu-core qt6-qpa-plugins; do
 done
 if grep -q " ./usr/bin/varnoth\$" "$work/contents"; then
   [[ "$depends" == *libqt6widgets6* ]] || { echo "missing dependency: libqt6widgets6"; exit 1; }
+  # Figures are saved as SVG drawings by both programs.
+  [[ "$depends" == *libqt6svg6* ]] || { echo "missing dependency: libqt6svg6"; exit 1; }
 fi
 
 mkdir "$work/root" "$work/run"
@@ -34,4 +36,11 @@ for f in loading.csv score-reference.csv score-fossil.csv coniss.csv curve-all.c
 done
 grep -q "share/varnoth/examples/reference.csv" "$work/run/varnoth-out/loading.csv" ||
   { echo "the run did not read the packaged examples"; exit 1; }
+# The example set's figures, drawn offscreen by the unpacked program.
+if grep -q " ./usr/bin/varnoth\$" "$work/contents"; then
+  (cd "$work/run" && "$work/root/usr/bin/varnoth-batch" --figures figs --figure-format pdf >/dev/null 2>&1)
+  for f in scatter-sites diagram diagram-taxa-names reconstruction-SumSST est-obs-SumSST; do
+    head -c 5 "$work/run/figs/$f.pdf" | grep -q "%PDF-" || { echo "no figure: $f.pdf"; exit 1; }
+  done
+fi
 echo "package ok"

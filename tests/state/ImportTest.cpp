@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <functional>
+#include <string>
+
 #include "eof/PreTreatment.h"
 #include "state/Import.h"
 #include "support/Tables.h"
@@ -326,4 +330,86 @@ TEST_F(ImportFixture, ExampleDataSetReads) {
   EXPECT_EQ(s.FossilLabels(2), "10");
   EXPECT_TRUE(s.ProjectionDone);
   EXPECT_TRUE(dialogs.Questions.empty());
+}
+
+namespace {
+
+// A value with at most two decimals, in its shortest text.
+double LargeValue(int i, int j) { return ((i * 31 + j * 7) % 1000) / 4.0; }
+std::string LargeText(double v) {
+  long quarters = std::lround(v * 4);
+  static const char* tail[] = {"", ".25", ".5", ".75"};
+  return std::to_string(quarters / 4) + tail[quarters % 4];
+}
+
+// Over a megabyte of cells, so that the second half is read ahead. `split`
+// puts each row's last value on a line of its own; `label` names row i.
+std::string LargeTable(int taxa, int rows, bool split,
+                       const std::function<std::string(int)>& label) {
+  std::string t = "Site";
+  for (int j = 1; j <= taxa; ++j) t += ",T" + std::to_string(j);
+  t += "\r\n";
+  for (int i = 1; i <= rows; ++i) {
+    t += label(i);
+    for (int j = 1; j <= taxa; ++j)
+      t += (split && j == taxa ? "\r\n" : ",") + LargeText(LargeValue(i, j));
+    t += "\r\n";
+  }
+  return t;
+}
+
+}  // namespace
+
+TEST_F(ImportFixture, LargeTableReadsEveryRowInPlace) {
+  std::string t = LargeTable(60, 4000, false, [](int i) { return "S" + std::to_string(i); });
+  ASSERT_GT(t.size(), 1200000u);
+  ASSERT_TRUE(Ref(t).Ok);
+  ASSERT_EQ(s.RefSiteCount, 4000);
+  for (int i = 1; i <= 4000; ++i) {
+    ASSERT_EQ(s.RefSiteNames(i), "S" + std::to_string(i)) << i;
+    for (int j = 1; j <= 60; ++j) ASSERT_EQ(s.RefData(i, j), LargeValue(i, j)) << i << "," << j;
+  }
+}
+
+TEST_F(ImportFixture, LargeTableWithNumberLabelsNormalisesTheSecondHalfToo) {
+  std::string t = LargeTable(60, 4000, false, [](int i) {
+    return (i > 2 && i % 2 == 0 ? "0" : "") + std::to_string(10 * i);
+  });
+  ASSERT_TRUE(Ref(t).Ok);
+  EXPECT_FALSE(s.RefLabelsAreText);
+  EXPECT_EQ(s.RefSiteNames(4), "40");
+  EXPECT_EQ(s.RefSiteNames(3998), "39980");
+  EXPECT_EQ(s.RefSiteNames(3999), "39990");
+  EXPECT_EQ(s.RefData(3998, 60), LargeValue(3998, 60));
+}
+
+TEST_F(ImportFixture, LargeTableWithRowsAcrossLinesReadsTheSame) {
+  std::string t = LargeTable(60, 4000, true, [](int i) { return "S" + std::to_string(i); });
+  ASSERT_TRUE(Ref(t).Ok);
+  ASSERT_EQ(s.RefSiteCount, 4000);
+  for (int i = 1; i <= 4000; i += 7)
+    for (int j = 1; j <= 60; ++j) ASSERT_EQ(s.RefData(i, j), LargeValue(i, j)) << i << "," << j;
+  EXPECT_EQ(s.RefSiteNames(4000), "S4000");
+}
+
+TEST_F(ImportFixture, LargeTableWithABlankCellLateFailsAtThatRow) {
+  std::string t = LargeTable(60, 4000, false, [](int i) { return "S" + std::to_string(i); });
+  std::size_t row = t.find("\r\nS3500,");
+  ASSERT_NE(row, std::string::npos);
+  std::size_t cell = t.find(',', row + 8);  // after the first value of row 3500
+  t.erase(row + 8, cell - row - 8);         // which is now empty
+  auto r = Ref(t);
+  EXPECT_FALSE(r.Ok);
+  EXPECT_EQ(dialogs.Messages,
+            (std::vector<std::string>{"Blanc cell detected.", kFormatErrorMessage}));
+  EXPECT_EQ(s.RefSiteCount, 3500);
+  EXPECT_EQ(s.RefTaxaCount, 0);
+}
+
+TEST_F(ImportFixture, LargeTableBeyondTheRowCapacityFails) {
+  std::string t = LargeTable(30, 10000, false, [](int i) { return "S" + std::to_string(i); });
+  ASSERT_GT(t.size(), 1100000u);
+  EXPECT_FALSE(Ref(t).Ok);
+  EXPECT_EQ(s.RefSiteCount, 9999);
+  EXPECT_EQ(s.RefTaxaCount, 0);
 }

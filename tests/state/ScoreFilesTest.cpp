@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <sstream>
 
 #include "envelope/Envelope.h"
@@ -168,4 +169,41 @@ TEST_F(ScoreFiles, FossilBaseWritesNotApplicable) {
 TEST_F(ScoreFiles, UnwritableFileIsAFailure) {
   Road("Depth,T1,T2,T3", {});
   EXPECT_THROW(SaveLoading(s, dir.Path("no/such/dir.csv"), stamp, progress), RuntimeFailure);
+}
+
+// More rows than one slice of the writer: every row in its place, each
+// number as printf gives it.
+TEST_F(ScoreFiles, ManyRowsStayInOrder) {
+  const int taxa = 4, sites = 1100, samples = 700;
+  ASSERT_TRUE(ImportReference(s, dir.Write("ref.csv", MakeTable(taxa, sites, true, Varied)),
+                              dialogs, progress)
+                  .Ok);
+  ApplyPreTreatment(s, PreTreatmentSettings{}, progress);
+  ASSERT_TRUE(ImportFossil(
+                  s,
+                  dir.Write("fossil.csv", MakeTable(taxa, samples, false,
+                                                    [](int i, int j) { return Varied(i + 3, j); })),
+                  dialogs, progress)
+                  .Ok);
+  auto printed = [](double v) {
+    if (v == 0) return std::string("0");
+    char buf[64];
+    std::snprintf(buf, sizeof buf, "%.15G", v);
+    return std::string(buf);
+  };
+  sSaveScore(s, dir.Path("r.csv"), stamp, progress);
+  auto lines = Lines(ReadFile(dir.Path("r.csv")));
+  ASSERT_EQ(lines.size(), 10u + sites);
+  for (int i = 1; i <= sites; ++i) {
+    std::string row = "\"" + s.RefSiteNames(i) + "\"";
+    for (int c = 1; c <= taxa; ++c) row += "," + printed(s.RefScores(i, c));
+    ASSERT_EQ(lines[9 + i], row) << i;
+  }
+  auto fossil = Fossil();
+  ASSERT_EQ(fossil.size(), 15u + samples);
+  for (int i = 1; i <= samples; ++i) {
+    std::string row = "\"" + s.FossilLabels(i) + "\",\"?\"";
+    for (int c = 1; c <= taxa; ++c) row += "," + printed(s.FossilScores(i, c));
+    ASSERT_EQ(fossil[14 + i], row) << i;
+  }
 }

@@ -13,7 +13,7 @@ foreach(source ${UI_TEST_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
   target_compile_definitions(${name} PRIVATE
     VARNOTH_EXAMPLES="${PROJECT_SOURCE_DIR}/data/examples")
-  if(name STREQUAL "tst_frmMAT")
+  if(name STREQUAL "tst_frmMAT" OR name STREQUAL "tst_frmCalib")
     # The reconstruction window's files are checked against the batch runner's.
     target_compile_definitions(${name} PRIVATE VARNOTH_BATCH="$<TARGET_FILE:varnoth-batch>")
     add_dependencies(${name} varnoth-batch)

@@ -725,7 +725,9 @@ class tst_frmDiagram : public QObject {
       QCOMPARE(QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
                c.picture->surface().Image());
     }
-    QCOMPARE(f.w->RB2->actions().size(), 3);
+    // Copy and the two saves, then the picture file.
+    QCOMPARE(f.w->RB2->actions().size(), 4);
+    QCOMPARE(f.w->RB2->actions().back()->objectName(), QString("mnuSavePictureEOF"));
   }
 
   void redrawAllFollowsTheColours() {

@@ -28,7 +28,8 @@ std::vector<OptionSpec> AllOptions() {
 
 void PrintUsage(std::ostream& out) {
   out << "usage: varnoth-batch --reference FILE [--fossil FILE] [options] --out DIR\n"
-         "       varnoth-batch            (runs the example data set into ./varnoth-out)\n\n";
+         "       varnoth-batch            (runs the example data set into ./varnoth-out)\n"
+         "       varnoth-batch --figures DIR   (the same, with its figures in DIR)\n\n";
   for (const OptionSpec& o : AllOptions()) {
     std::string head = o.Name + (o.ValueName.empty() ? "" : " " + o.ValueName);
     out << "  " << head << std::string(head.size() < 34 ? 34 - head.size() : 1, ' ') << o.Help
@@ -57,6 +58,8 @@ Options Parse(int argc, char** argv) {
     std::string arg = argv[i];
     auto spec = std::find_if(specs.begin(), specs.end(),
                              [&](const OptionSpec& s) { return s.Name == arg; });
+    if (spec == specs.end() && (arg == "--figures" || arg == "--figure-format"))
+      throw UsageError{arg + " needs varnoth-batch built with the desktop program (VARNOTH_GUI)"};
     if (spec == specs.end()) throw UsageError{"unknown argument " + arg};
     if (spec->ValueName.empty()) {
       o.Set(arg, "yes");
@@ -84,7 +87,18 @@ int main(int argc, char** argv) {
   Options options;
   bool example = argc == 1;
   try {
+    if (!example) {
+      options = Parse(argc, argv);
+      if (options.Has("--help")) {
+        PrintUsage(std::cout);
+        return 0;
+      }
+      // Figures alone ask for the example set's figures.
+      example = !options.Has("--reference") && !options.Has("--fossil") && !options.Has("--out") &&
+                options.Has("--figures");
+    }
     if (example) {
+      const Options given = options;
       std::string dir = ExamplesDir();
       options.Set("--reference", dir + "/reference.csv");
       options.Set("--fossil", dir + "/fossil.csv");
@@ -94,12 +108,9 @@ int main(int argc, char** argv) {
       options.Set("--save-all-eof", "yes");
       options.Set("--error-model", "yes");
       options.Set("--out", "varnoth-out");
+      for (const char* kept : {"--figures", "--figure-format", "--timestamp"})
+        if (given.Has(kept)) options.Set(kept, given.Get(kept));
     } else {
-      options = Parse(argc, argv);
-      if (options.Has("--help")) {
-        PrintUsage(std::cout);
-        return 0;
-      }
       if (!options.Has("--out")) throw UsageError{"--out is required"};
     }
     for (const Step& s : Steps())
@@ -132,6 +143,11 @@ int main(int argc, char** argv) {
   }
   if (example)
     std::cout << "Ran the example data set; the result files are in "
-              << std::filesystem::absolute(options.Get("--out")).string() << "\n";
+              << std::filesystem::absolute(options.Get("--out")).string()
+              << (options.Has("--figures")
+                      ? ", the figures in " +
+                            std::filesystem::absolute(options.Get("--figures")).string()
+                      : std::string())
+              << "\n";
   return 0;
 }

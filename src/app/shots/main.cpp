@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QMouseEvent>
+#include <QPrinter>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
@@ -20,6 +21,7 @@
 #include "ui/PictureBox.h"
 #include "ui/ScriptedDialogs.h"
 #include "ui/frmAbout1.h"
+#include "ui/frmCalib.h"
 #include "ui/frmColor.h"
 #include "ui/frmControl.h"
 #include "ui/frmCorrelVar.h"
@@ -27,6 +29,7 @@
 #include "ui/frmECC.h"
 #include "ui/frmMAT.h"
 #include "ui/frmMain.h"
+#include "ui/frmOutPut2.h"
 #include "ui/frmTest.h"
 
 namespace {
@@ -42,6 +45,58 @@ void Shot(QWidget* w, const char* name) {
   const QString path = g_folder + "/" + name + ".png";
   if (!w->grab().save(path)) std::fprintf(stderr, "could not write %s\n", qPrintable(path));
   std::printf("%s\n", qPrintable(path));
+}
+
+// The calibration of the error model: the tool after "Start" with the mode
+// and average on Fig.8, the chart with the intervals of a section, and the
+// reconstruction window with both matrices, in colour and grey.
+void ShotCalibration(varnoth::frmMain& w, varnoth::frmMAT* mat) {
+  mat->Command6->click();
+  varnoth::frmCalib* cal = mat->CalibWindow();
+  cal->Check4->click();
+  cal->Command3->click();
+  cal->Check2->click();
+  cal->Check6->click();
+  cal->resize(1224, 620);  // the offscreen screen is smaller than the window
+  Shot(cal, "calib");
+  // The printed pages as PDF files beside the pictures.
+  cal->ChoosePrinter = [](QWidget*) {
+    auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+    printer->setOutputFormat(QPrinter::PdfFormat);
+    printer->setOutputFileName(g_folder + "/calib-print.pdf");
+    return printer;
+  };
+  cal->Print().PrintTitle = "Example core: calibration of SumSST";
+  cal->PrintAllEntry->trigger();
+  cal->PrepareChart(5);
+  cal->Chart()->Slider1->setValue(50);
+  cal->Chart()->Check2->click();
+  Shot(cal->Chart(), "calib-chart-confidence");
+  cal->ChoosePrinter = [](QWidget*) {
+    auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+    printer->setOutputFormat(QPrinter::PdfFormat);
+    printer->setOutputFileName(g_folder + "/calib-chart-print.pdf");
+    return printer;
+  };
+  cal->Chart()->Print->trigger();
+  cal->PrepareChart(4);
+  Shot(cal->Chart(), "calib-chart-probability");
+  // Wide enough for both matrix pictures; a resize empties the matrices,
+  // so it comes first.
+  mat->resize(mat->width() + 240, mat->height());
+  cal->Command10->click();
+  mat->Command4->click();
+  Shot(mat, "mat-matrices-probability");
+  mat->Option4[1]->click();
+  Shot(mat, "mat-matrices-confidence");
+  w.mnuGrey->trigger();
+  mat->DrawResponseMatrices();
+  mat->DrawReconstructionCurve();
+  Shot(mat, "mat-matrices-grey");
+  cal->ResetColour();
+  Shot(cal, "calib-grey");
+  w.mnuColor->trigger();
+  cal->close();
 }
 
 // The reconstruction of the example core: the curve with error bars and
@@ -60,6 +115,7 @@ void ShotReconstruction(varnoth::frmMain& w, varnoth::ScriptedDialogs& dialogs) 
   w.mnuGrey->trigger();
   Shot(mat, "mat-error-model-grey");
   w.mnuColor->trigger();
+  ShotCalibration(w, mat);
   mat->hide();
 }
 

@@ -1,0 +1,369 @@
+// Where the time of one whole run goes: every stage of a batch run on
+// 8000 reference sites x 300 taxa, 1000 fossil samples and 3 climate
+// parameters, one benchmark each, in wall-clock time. Beside them the number
+// writer against the printf route it replaced, the whole varnoth-batch run,
+// and the stages on a machine that two other busy processes share.
+#include <benchmark/benchmark.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "BenchSession.h"
+#include "eof/Eigen.h"
+#include "eof/PreTreatment.h"
+#include "eof/Projection.h"
+#include "reconstruction/AnalogueSearch.h"
+#include "state/Format.h"
+#include "state/Import.h"
+#include "state/RecordWriter.h"
+#include "state/ScoreFiles.h"
+
+using namespace varnoth;
+
+namespace {
+
+constexpr int kSites = 8000, kTaxa = 300, kSamples = 1000, kParams = 3;
+
+struct Files {
+  std::string Reference, Fossil, Climate, Out;
+};
+
+const Files& TheFiles() {
+  static const Files f = [] {
+    Files g;
+    g.Reference = bench::WriteTemporary("varnoth-stages-reference.csv",
+                                        bench::SyntheticTable(kSites, kTaxa, 21, false));
+    g.Fossil = bench::WriteTemporary("varnoth-stages-fossil.csv",
+                                     bench::SyntheticTable(kSamples, kTaxa, 22, true));
+    // Climate a smooth function of the composition, so that estimates vary.
+    std::vector<double> p = bench::SyntheticPercentages(kSites, kTaxa, 21);
+    std::string climate = "Site";
+    for (int k = 1; k <= kParams; ++k) climate += ",P" + std::to_string(k);
+    climate += "\r\n";
+    for (int i = 0; i < kSites; ++i) {
+      climate += "S" + std::to_string(i + 1);
+      for (int k = 1; k <= kParams; ++k)
+        climate += "," + FormatGeneral(std::nearbyint((0.3 * p[i * kTaxa + k] - 2 * k) * 10) / 10);
+      climate += "\r\n";
+    }
+    g.Climate = bench::WriteTemporary("varnoth-stages-climate.csv", climate);
+    g.Out = (std::filesystem::temp_directory_path() / "varnoth-stages-out").string();
+    std::filesystem::create_directories(g.Out);
+    return g;
+  }();
+  return f;
+}
+
+double FileMegabytes(const std::string& path) {
+  return static_cast<double>(std::filesystem::file_size(path)) / 1e6;
+}
+
+// The session as a run has it after the EOF analysis of the reference.
+const Session& ReferenceAnalysed() {
+  static const std::unique_ptr<Session> s = [] {
+    auto t = std::make_unique<Session>();
+    bench::SilentDialogs d;
+    NoProgress p;
+    if (!ImportReference(*t, TheFiles().Reference, d, p).Ok) std::abort();
+    ApplyPreTreatment(*t, PreTreatmentSettings{}, p);
+    return t;
+  }();
+  return *s;
+}
+
+// ... and after the fossil import and projection, with climate at the sites.
+const Session& Analysed() {
+  static const std::unique_ptr<Session> s = [] {
+    auto t = std::make_unique<Session>(ReferenceAnalysed());
+    bench::SilentDialogs d;
+    NoProgress p;
+    if (!ImportFossil(*t, TheFiles().Fossil, d, p).Ok || !t->ProjectionDone) std::abort();
+    std::vector<double> pct = bench::SyntheticPercentages(kSites, kTaxa, 21);
+    t->ClimateParamCount = kParams;
+    t->ClimateData.ReDim(kSites, kParams);
+    for (int i = 1; i <= kSites; ++i)
+      for (int k = 1; k <= kParams; ++k)
+        t->ClimateData(i, k) = 0.3 * pct[(i - 1) * kTaxa + k] - 2 * k;
+    t->ClimateLoaded = true;
+    return t;
+  }();
+  return *s;
+}
+
+AnalogueSettings Search() {
+  AnalogueSettings st;
+  DefineThreshold(st, 20);
+  return st;
+}
+
+const FileStamp kStamp{"2026-11-23", "12:00:00"};
+
+// A session that the stages which only add results share.
+Session& Working() {
+  static Session s = Analysed();
+  return s;
+}
+
+using Stage = std::function<void(Session&)>;
+
+// A stage that changes what later stages read runs on a copy of `From`
+// made outside the timing; the others run on Working().
+struct NamedStage {
+  const char* Name;
+  Stage Run;
+  const Session& (*From)();
+};
+
+std::vector<NamedStage> Stages() {
+  const Files& f = TheFiles();
+  return {
+      {"read reference",
+       [f](Session&) {
+         bench::SilentDialogs d;
+         NoProgress p;
+         Session s;
+         if (!ImportReference(s, f.Reference, d, p).Ok) std::abort();
+       },
+       nullptr},
+      {"pre-treatment and EOF",
+       [](Session& s) {
+         NoProgress p;
+         ApplyPreTreatment(s, PreTreatmentSettings{}, p);
+       },
+       Analysed},
+      {"EOF analysis",
+       [](Session& s) {
+         NoProgress p;
+         RunEofAnalysis(s, p);
+       },
+       Analysed},
+      {"fossil import (read, treat, project)",
+       [f](Session& s) {
+         bench::SilentDialogs d;
+         NoProgress p;
+         if (!ImportFossil(s, f.Fossil, d, p).Ok) std::abort();
+       },
+       ReferenceAnalysed},
+      {"projection",
+       [](Session& s) {
+         NoProgress p;
+         DoProjection(s, p);
+       },
+       Analysed},
+      {"loading file",
+       [f](Session& s) {
+         NoProgress p;
+         SaveLoading(s, f.Out + "/loading.csv", kStamp, p);
+       },
+       nullptr},
+      {"reference score file",
+       [f](Session& s) {
+         NoProgress p;
+         sSaveScore(s, f.Out + "/score-reference.csv", kStamp, p);
+       },
+       nullptr},
+      {"fossil score file",
+       [f](Session& s) {
+         NoProgress p;
+         fSaveScore(s, f.Out + "/score-fossil.csv", kStamp, p);
+       },
+       nullptr},
+      {"analogue search",
+       [](Session& s) {
+         NoProgress p;
+         RunReconstruction(s, Search(), p);
+       },
+       nullptr},
+      {"error model",
+       [](Session& s) {
+         NoProgress p;
+         GenerateErrorModel(s, Search(), p);
+       },
+       nullptr},
+  };
+}
+
+void BM_Stage(benchmark::State& state) {
+  const NamedStage stage = Stages()[static_cast<std::size_t>(state.range(0))];
+  (void)Working();  // the shared session is built before the timing
+  for (auto _ : state) {
+    if (stage.From) {
+      state.PauseTiming();
+      Session s = stage.From();
+      state.ResumeTiming();
+      stage.Run(s);
+    } else {
+      stage.Run(Working());
+    }
+  }
+  state.SetLabel(stage.Name);
+  const Files& f = TheFiles();
+  std::string written = state.range(0) == 5   ? f.Out + "/loading.csv"
+                        : state.range(0) == 6 ? f.Out + "/score-reference.csv"
+                        : state.range(0) == 7 ? f.Out + "/score-fossil.csv"
+                        : state.range(0) == 0 ? f.Reference
+                                              : "";
+  if (!written.empty())
+    state.counters["MB/s"] =
+        benchmark::Counter(FileMegabytes(written), benchmark::Counter::kIsIterationInvariantRate);
+}
+
+// The score table's numbers as text, by the writer and by the printf route
+// that it replaced (the same text), into memory.
+void NumberText(benchmark::State& state, bool printfRoute) {
+  const Session& s = Analysed();
+  std::size_t bytes = 0;
+  for (auto _ : state) {
+    std::string out;
+    out.reserve(60000000);
+    char buf[64];
+    for (long i = 1; i <= s.RefSiteCount; ++i) {
+      for (long c = 1; c <= s.RefTaxaCount; ++c) {
+        double v = s.RefScores(i, c);
+        char* end =
+            printfRoute ? buf + std::snprintf(buf, sizeof buf, "%.15G", v) : WriteGeneral(buf, v);
+        out.append(buf, end);
+        out += ',';
+      }
+      out += "\r\n";
+    }
+    bytes = out.size();
+    benchmark::DoNotOptimize(out.data());
+  }
+  state.counters["MB/s"] = benchmark::Counter(static_cast<double>(bytes) / 1e6,
+                                              benchmark::Counter::kIsIterationInvariantRate);
+}
+void BM_NumberText(benchmark::State& state) { NumberText(state, false); }
+void BM_NumberTextPrintf(benchmark::State& state) { NumberText(state, true); }
+
+// The whole batch run as a user starts it, including the process start and
+// the files; VARNOTH_BASELINE_BATCH names an earlier build to time beside it.
+std::string BatchProgram(bool baseline) {
+  if (baseline) {
+    const char* b = std::getenv("VARNOTH_BASELINE_BATCH");
+    return b ? b : "";
+  }
+  auto self = std::filesystem::read_symlink("/proc/self/exe");
+  return (self.parent_path().parent_path() / "varnoth-batch").string();
+}
+
+// Runs of this build and of the baseline build alternate, so that both
+// meet the same load; the time is this build's, the counters give the
+// medians of both and their ratio.
+void BM_BatchRun(benchmark::State& state) {
+  const bool errorModel = state.range(0) == 1;
+  const Files& f = TheFiles();
+  std::string arguments = " --reference " + f.Reference + " --out " + f.Out + "/batch" +
+                          " --timestamp \"2026-11-23 12:00:00\"";
+  if (errorModel)
+    arguments += " --fossil " + f.Fossil + " --climate " + f.Climate + " --error-model";
+  arguments += " > /dev/null";
+  const std::string program = BatchProgram(false), baseline = BatchProgram(true);
+  const bool withBaseline = !baseline.empty() && std::filesystem::exists(baseline);
+  auto run = [&](const std::string& p) {
+    auto t0 = std::chrono::steady_clock::now();
+    if (std::system((p + arguments).c_str()) != 0) state.SkipWithError("the run failed");
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
+  };
+  std::vector<double> mine, theirs;
+  for (auto _ : state) {
+    mine.push_back(run(program));
+    state.SetIterationTime(mine.back());
+    if (withBaseline) theirs.push_back(run(baseline));
+  }
+  auto median = [](std::vector<double> v) {
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0.0 : v[v.size() / 2];
+  };
+  state.counters["median s"] = median(mine);
+  if (withBaseline) {
+    state.counters["baseline median s"] = median(theirs);
+    state.counters["baseline / this"] = median(theirs) / median(mine);
+  }
+  state.SetLabel(errorModel ? "8000 x 300 x 1000, error model" : "8000 x 300, EOF and score files");
+}
+
+// Busy processes that compete for the cores; each ends by itself after
+// `seconds` should the benchmark not stop it.
+class CompetingLoad {
+ public:
+  CompetingLoad(int processes, unsigned seconds) {
+    for (int k = 0; k < processes; ++k) {
+      pid_t pid = fork();
+      if (pid == 0) {
+        alarm(seconds);
+        volatile double x = 1;
+        for (;;) x = x * 1.0000001 + 1e-9;
+      }
+      if (pid > 0) pids_.push_back(pid);
+    }
+  }
+  ~CompetingLoad() {
+    for (pid_t p : pids_) kill(p, SIGKILL);
+    for (pid_t p : pids_) waitpid(p, nullptr, 0);
+  }
+
+ private:
+  std::vector<pid_t> pids_;
+};
+
+double Seconds(const NamedStage& stage) {
+  Session s = stage.From ? stage.From() : Session{};
+  Session& target = stage.From ? s : Working();
+  auto t0 = std::chrono::steady_clock::now();
+  stage.Run(target);
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
+}
+
+// Each stage's median of 5 quiet runs, then 10 runs while two busy processes
+// share the machine: "worst ratio" is the slowest of the ten against the
+// quiet median.
+void BM_UnderLoad(benchmark::State& state) {
+  const NamedStage stage = Stages()[static_cast<std::size_t>(state.range(0))];
+  double worst = 0, quiet = 0, loaded = 0;
+  for (auto _ : state) {
+    std::vector<double> q;
+    for (int k = 0; k < 5; ++k) q.push_back(Seconds(stage));
+    std::sort(q.begin(), q.end());
+    quiet = q[2];
+    CompetingLoad load(2, 120);
+    std::vector<double> l;
+    for (int k = 0; k < 10; ++k) l.push_back(Seconds(stage));
+    worst = *std::max_element(l.begin(), l.end());
+    std::sort(l.begin(), l.end());
+    loaded = l[5];
+  }
+  state.SetLabel(stage.Name);
+  state.counters["quiet ms"] = quiet * 1e3;
+  state.counters["loaded median ms"] = loaded * 1e3;
+  state.counters["worst ratio"] = worst / quiet;
+}
+
+}  // namespace
+
+BENCHMARK(BM_Stage)->DenseRange(0, 9)->Unit(benchmark::kMillisecond)->Iterations(5)->UseRealTime();
+BENCHMARK(BM_NumberText)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
+BENCHMARK(BM_NumberTextPrintf)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
+BENCHMARK(BM_BatchRun)
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(5)
+    ->UseManualTime();
+BENCHMARK(BM_UnderLoad)
+    ->DenseRange(0, 9)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->UseRealTime();
