@@ -4,7 +4,7 @@
 BUILD ?= build
 JOBS ?= $(shell nproc)
 
-.PHONY: deps build run test bench sanitize batch shots shots-x11 format clean
+.PHONY: deps build run test unit bench sanitize fuzz batch shots shots-x11 format clean
 
 deps:
 	@scripts/install-deps.sh
@@ -19,7 +19,14 @@ run: build
 batch: build
 	$(BUILD)/varnoth-batch
 
-test: build
+# Every test: the suite, the suite again under the sanitizers, and each
+# fuzz target for FUZZ_SECONDS (when clang is there).
+test: unit sanitize
+	@if command -v clang++ >/dev/null; then $(MAKE) --no-print-directory fuzz; \
+	else echo "clang++ missing: fuzz targets skipped"; fi
+
+# The test suite alone.
+unit: build
 	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
 
 bench: build
@@ -44,8 +51,17 @@ sanitize: deps
 	cmake --build build-sanitize -j $(JOBS)
 	cd build-sanitize && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
 
+# Each reader's libFuzzer target for FUZZ_SECONDS, built with clang,
+# AddressSanitizer and UndefinedBehaviorSanitizer in build-fuzz/.
+FUZZ_SECONDS ?= 30
+fuzz: deps
+	cmake -S . -B build-fuzz -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	  -DVARNOTH_FUZZ=ON -DVARNOTH_GUI=OFF -DVARNOTH_TESTS=OFF -DVARNOTH_BENCH=OFF
+	cmake --build build-fuzz -j $(JOBS) --target fuzz_all
+	scripts/run-fuzz.sh build-fuzz $(FUZZ_SECONDS)
+
 format:
 	find src tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD) build-sanitize
+	rm -rf $(BUILD) build-sanitize build-fuzz

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <vector>
 
+#include "state/Finite.h"
 #include "state/Format.h"
 
 namespace varnoth {
@@ -35,6 +36,10 @@ const float* Slot(const CalibState& c, int s) {
 }
 
 bool Shown(long i) { return i >= kShownFirst && i <= kShownLast; }
+
+// Sums in single precision overflow to infinity without a failure of their
+// own: each step checks the slot it filled.
+void RequireFiniteSlot(const CalibState& c, int s) { RequireFinite(Slot(c, s), kN * kN); }
 
 void Paint(CalibPainter* painter, const float* m, int pic, float z) {
   if (!painter) return;
@@ -136,6 +141,7 @@ void MultipleMatrix(CalibState& m, int a, int b, int c, int pic, float z, Progre
     progress.Step(i);
   }
   progress.Finish();
+  RequireFiniteSlot(m, c);
 }
 
 void DescreteModel(CalibState& c, long refSiteCount, Progress& progress, CalibPainter* painter) {
@@ -193,6 +199,7 @@ void NormalizeH(CalibState& c, const CalibSettings& st, CalibPainter* painter) {
       }
     }
   }
+  RequireFiniteSlot(c, 5);
 }
 
 void NormalizeV(CalibState& c, const CalibSettings& st, CalibPainter* painter) {
@@ -242,6 +249,7 @@ void NormalizeV(CalibState& c, const CalibSettings& st, CalibPainter* painter) {
     if (q > 0 && q < kN) m6[p * kN + q] = -m6[p * kN + q];
   }
   c.PictDrawn[7] = true;
+  RequireFiniteSlot(c, 6);
 }
 
 void BuildConfidence(CalibState& c, const CalibSettings& st, CalibPainter* painter) {
@@ -288,6 +296,8 @@ void BuildConfidence(CalibState& c, const CalibSettings& st, CalibPainter* paint
     }
   }
   c.PictDrawn[8] = true;
+  RequireFiniteSlot(c, 7);
+  RequireFinite(c.ConfidenceLevel);
 }
 
 std::pair<float, float> ConfidenceLevels(const float* column, long count, float peak, float total,

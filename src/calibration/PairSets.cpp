@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "state/CellReader.h"
+#include "state/Finite.h"
 #include "state/Format.h"
 
 namespace varnoth {
@@ -178,6 +179,10 @@ void FitLine(CalibState& c, int k) {
   c.FitIntercept[k] = ToSingle(meanY - meanX * static_cast<double>(c.FitSlope[k]));
   const double d = std::pow(sxx * syy, 0.5);
   if (d != 0) c.FitCorrelation[k] = ToSingle(sxy / d);
+  // Sums of huge pairs overflow to an infinity that a single still holds.
+  RequireFinite(c.FitSlope.data(), c.FitSlope.size());
+  RequireFinite(c.FitIntercept.data(), c.FitIntercept.size());
+  RequireFinite(c.FitCorrelation.data(), c.FitCorrelation.size());
 }
 
 void FitPairSet1(CalibState& c) {

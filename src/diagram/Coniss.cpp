@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "diagram/DiagramLayout.h"
+#include "state/Finite.h"
 
 namespace varnoth {
 
@@ -94,6 +95,8 @@ void DoConissFull(Session& s, Progress& progress) {
       for (long k = 1; k <= m; ++k) s.ConissData(p, k) = s.ConissData(p + 1, k);
     }
   }
+  RequireFinite(s.ConissDist);
+  RequireFinite(s.ConissHeight);
   progress.Finish();
 }
 
@@ -123,6 +126,8 @@ void DoConiss(Session& s, Progress& progress) {
       std::memmove(data + (b + 1) * width, data + (b + 2) * width, moved * width * sizeof(float));
     }
   }
+  RequireFinite(s.ConissDist);
+  RequireFinite(s.ConissHeight);
   progress.Finish();
 }
 

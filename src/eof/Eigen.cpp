@@ -11,6 +11,7 @@
 
 #include "eof/Kernels.h"
 #include "eof/ScoreKernel.h"
+#include "state/Finite.h"
 #include "state/Parallel.h"
 
 namespace varnoth {
@@ -578,6 +579,7 @@ void RunEofAnalysis(Session& s, Progress& progress) {
   // sort treats column 0; the matrix and the iterations are done once.
   const Array2<double>& X = BaseTable(s);
   BuildMatrix(s, X);
+  RequireFinite(s.EofMatrix);
   for (long i = 1; i <= n; ++i)
     for (long j = 1; j <= n; ++j) s.EigenWork(i, j) = s.EofMatrix(i, j);
   PowerIterations(s, progress);
@@ -586,6 +588,15 @@ void RunEofAnalysis(Session& s, Progress& progress) {
   ComputeLoadings(s);
   ComputeContributions(s);
   ComputeBaseScores(s, X);
+  // A matrix of huge but finite cells can still overflow in the iteration.
+  RequireFinite(s.EigenVectors);
+  RequireFinite(s.Loadings);
+  RequireFinite(s.Contribution);
+  RequireFinite(s.CumContribution);
+  RequireFinite(s.ColumnMean);
+  RequireFinite(s.ColumnStd);
+  RequireFinite(s.ReferenceIsBase ? s.RefScoreRaw : s.FossilScoreRaw);
+  RequireFinite(s.ReferenceIsBase ? s.RefScores : s.FossilScores);
 
   // The scatter is drawn with display axes 1 to 3, which a table of fewer
   // than 3 taxa cannot hold.

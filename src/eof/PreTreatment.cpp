@@ -5,6 +5,7 @@
 
 #include "eof/Eigen.h"
 #include "state/Failure.h"
+#include "state/Finite.h"
 #include "state/Parallel.h"
 
 namespace varnoth {
@@ -52,13 +53,15 @@ static void PercentageStep(const Array2<double>& data, Array2<double>& proportio
   }
   if (!fits) {
     PercentageRows(data, proportion, 1, rows, taxa, convert);
-    return;
+  } else {
+    constexpr long kSlice = 256;
+    ParallelTasks((rows + kSlice - 1) / kSlice, [&](long t) {
+      PercentageRows(data, proportion, 1 + t * kSlice, std::min(rows, (t + 1) * kSlice), taxa,
+                     convert);
+    });
   }
-  constexpr long kSlice = 256;
-  ParallelTasks((rows + kSlice - 1) / kSlice, [&](long t) {
-    PercentageRows(data, proportion, 1 + t * kSlice, std::min(rows, (t + 1) * kSlice), taxa,
-                   convert);
-  });
+  // Row sums of huge values overflow here, before anything is analysed.
+  RequireFinite(proportion);
 }
 
 void ApplyPreTreatment(Session& s, const PreTreatmentSettings& settings, Progress& progress) {
@@ -77,6 +80,7 @@ void ApplyPreTreatment(Session& s, const PreTreatmentSettings& settings, Progres
     const Array2<double>& from = s.ReferenceIsBase ? s.RefProportion : s.FossilProportion;
     for (long i = 1; i <= s.RefSiteCount; ++i)
       for (long j = 1; j <= s.RefTaxaCount; ++j) target(i, j) = EnhanceValue(from(i, j), settings);
+    RequireFinite(target);
   }
   RunEofAnalysis(s, progress);
 }
@@ -94,6 +98,7 @@ static void EnhancementStep(Array2<double>& data, const Array2<double>& proporti
     for (long j = 1; j <= taxa; ++j)
       data(i, j) =
           settings.Enhance ? EnhanceValue(proportion(i, j), settings) : proportion(i, j) * 100;
+  RequireFinite(data);
 }
 
 void FossilEnhancementStep(Session& s) {

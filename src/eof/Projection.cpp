@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "eof/ScoreKernel.h"
+#include "state/Finite.h"
 
 namespace varnoth {
 
@@ -53,6 +54,9 @@ void DoProjection(Session& s, Progress& progress) {
       s.FossilScores(i, c) = s.StatWork(2, c) == 0
                                  ? 0
                                  : Div(s.FossilScoreRaw(i, c) - s.ColumnMean(2, c), s.ColumnStd(2, c));
+  RequireFinite(s.FossilStandardised);
+  RequireFinite(s.FossilScoreRaw);
+  RequireFinite(s.FossilScores);
   if (f >= 3) s.ProjectionDone = true;
   progress.Finish();
 }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <vector>
 
+#include "state/Finite.h"
 #include "state/Format.h"
 #include "state/Parallel.h"
 #include "state/RecordFile.h"
@@ -316,6 +317,10 @@ void DoInterpolation(Session& s, InterpMode mode, std::string_view exponent,
           WeightedRow(t, grid, row, radius, power, st.InterpNonNegative, out, work);
       });
     }
+
+    // Huge station values or lapse rates overflow in the weighted sums.
+    RequireFinite(st.InterpTargetEstimate);
+    RequireFinite(st.InterpRefEstimate);
 
     // The target estimates become the climate at the reference sites.
     const Count m = ToCount(static_cast<long long>(c) - 5);

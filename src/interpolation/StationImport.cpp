@@ -4,6 +4,7 @@
 
 #include "state/CellReader.h"
 #include "state/Format.h"
+#include "state/ReadProblem.h"
 
 namespace varnoth {
 
@@ -14,7 +15,22 @@ constexpr long kRowUpper = 9999;     // labels: 0..9999
 constexpr long kColumnUpper = 1000;  // value columns: 0..1000
 
 // The import ends after a message the user has seen, or a No.
-struct ImportAbort {};
+struct ImportAbort {
+  std::string What;
+};
+
+// Where the read stands, for a user without the window: rows count the
+// header as row 1, columns the label as column 1; cells while the width is
+// sought; 0 where not known.
+struct Where {
+  bool header = false;
+  long row = 0, column = 0, cell = 0;
+  void At(long r, long c) {
+    row = r;
+    column = c;
+    cell = 0;
+  }
+};
 
 // Rows of values as they arrive; the limits are those of a working matrix
 // of 0..9999 rows by 0..1000 columns, without holding it all at once.
@@ -50,24 +66,31 @@ struct Table {
 
 std::string NormalisedLabel(std::string_view cell) { return FormatGeneral(LenientParse(cell)); }
 
-Table ReadTable(CellReader& in, Count mode, Dialogs& dialogs) {
+Table ReadTable(CellReader& in, Count mode, Dialogs& dialogs, Where& where) {
   // The first cells up to the first number cell, then as many again as it
   // takes to reach the second row's label (text labels) or the first row's
   // last value but one (numeric labels).
   Array1<std::string> t(kCellUpper);
   long c = 0;
+  where.header = true;
   for (;;) {
+    where.cell = c + 1;
     std::string_view cell = in.Next();
     t(c) = std::string(cell);
     ++c;
     if (IsNumberCell(cell)) break;
   }
-  for (long i = c; i <= 2 * c - 4; ++i) t(i) = std::string(in.Next());
+  for (long i = c; i <= 2 * c - 4; ++i) {
+    where.cell = i + 1;
+    t(i) = std::string(in.Next());
+  }
+  where.header = false;
+  where.cell = 0;
   const bool text = !IsNumberCell(t(2 * c - 4));
   const Count n = ToCount(static_cast<long long>(text ? c - 3 : c - 2));
   if (mode == kStationFile && n == 5) {
     dialogs.Message(kNoClimateDataMessage, "Error");
-    throw ImportAbort{};
+    throw ImportAbort{"No climate column after the five of the positions and lapse rates"};
   }
 
   Table table;
@@ -82,32 +105,52 @@ Table ReadTable(CellReader& in, Count mode, Dialogs& dialogs) {
   labels(1) = t(n + 1);
   double* v = table.Values.Row(1);
   if (text) {
-    for (long k = 1; k <= n; ++k) v[k] = StrictParse(t(n + 1 + k));
+    for (long k = 1; k <= n; ++k) {
+      where.At(2, k + 1);
+      v[k] = StrictParse(t(n + 1 + k));
+    }
   } else {
-    for (long k = 1; k <= n - 1; ++k) v[k] = StrictParse(t(n + 1 + k));
+    for (long k = 1; k <= n - 1; ++k) {
+      where.At(2, k + 1);
+      v[k] = StrictParse(t(n + 1 + k));
+    }
+    where.At(2, n + 1);
     v[n] = LenientParse(in.Next());
   }
   // Row 2: numbers leniently, an empty cell as 0.
   labels(2) = text ? t(2L * n + 2) : NormalisedLabel(in.Next());
   v = table.Values.Row(2);
   bool empty = false;
-  for (long k = 1; k <= n; ++k) v[k] = in.NextLenient(empty);
+  for (long k = 1; k <= n; ++k) {
+    where.At(3, k + 1);
+    v[k] = in.NextLenient(empty);
+  }
   // Rows 3 on: an empty cell stops the import.
   long r = 2;
   while (!in.AtEnd()) {
     ++r;
+    where.At(r + 1, 1);
     std::string& label = labels(r);
     std::string_view cell = in.Next();
     label = text ? std::string(cell) : NormalisedLabel(cell);
     v = table.Values.Row(r);
-    for (long k = 1; k <= n; ++k) {
-      v[k] = in.NextLenient(empty);
-      if (empty) {
-        dialogs.Message(kStationBlankCellMessage, "Error");
-        throw ImportAbort{};
+    // The column is noted only when the row fails: this loop reads nearly
+    // every cell of a table.
+    long k = 1;
+    try {
+      for (; k <= n; ++k) {
+        v[k] = in.NextLenient(empty);
+        if (empty) {
+          dialogs.Message(kStationBlankCellMessage, "Error");
+          throw ImportAbort{"An empty cell"};
+        }
       }
+    } catch (...) {
+      where.column = k + 1;
+      throw;
     }
   }
+  where.At(0, 0);
   table.Rows = ToCount(static_cast<long long>(r));
   labels.ReDimPreserve(r);
   table.Labels = std::move(labels);
@@ -201,19 +244,23 @@ void ImportStations(Session& s, Table& table) {
   st.InterpRefLoaded = true;
 }
 
-void ImportTargets(Session& s, Table& table, Dialogs& dialogs) {
+void ImportTargets(Session& s, Table& table, Dialogs& dialogs, Where& where) {
   InterpolationState& st = s.Interp;
   st.InterpTargetCount = table.Rows;
   if (table.Rows != s.RefSiteCount) {
     dialogs.Message(kSiteCountMessage, "Error");
-    throw ImportAbort{};
+    throw ImportAbort{std::to_string(table.Rows) + " target sites where the reference table has " +
+                      std::to_string(s.RefSiteCount)};
   }
   for (long i = 1; i <= table.Rows; ++i) {
     const std::string& target = table.Labels(i);
     const std::string& site = s.RefSiteNames(i);
     if (target == site) continue;
-    if (!dialogs.Question("Name inconsistent.  [" + target + "] = [" + site + "]?", "Error"))
-      throw ImportAbort{};
+    if (!dialogs.Question("Name inconsistent.  [" + target + "] = [" + site + "]?", "Error")) {
+      where.At(i + 1, 1);
+      throw ImportAbort{"The site names [" + target + "] and [" + site +
+                        "] were not accepted as the same"};
+    }
   }
   Positions p = PositionsOf(table);
   // The columns follow the station file: its names decide the rates.
@@ -261,22 +308,41 @@ void RoundBoundsOutward(InterpolationState& st) {
 InterpImportResult ImportData(Session& s, Count mode, const std::optional<std::string>& path,
                               Dialogs& dialogs) {
   InterpImportResult result;
+  Where where;
+  const std::string file = path ? *path : std::string("the file");
+  auto place = [&](const std::string& what) {
+    std::string text = ReadProblemText(what, file, where.row, where.column, where.cell);
+    // Before the first row the table's form is still in doubt: say what
+    // the file is when it is no text.
+    return where.row == 0 ? text + FileKindHint(file) : text;
+  };
   try {
     if (mode != kStationFile && mode != kTargetFile) throw RuntimeFailure(FailureKind::InvalidCall);
     if (!path) throw RuntimeFailure(FailureKind::Cancelled);
     CellReader in = CellReader::FromFile(*path);
-    Table table = ReadTable(in, mode, dialogs);
+    Table table = ReadTable(in, mode, dialogs, where);
     if (mode == kStationFile)
       ImportStations(s, table);
     else
-      ImportTargets(s, table, dialogs);
+      ImportTargets(s, table, dialogs, where);
     result.Ok = true;
-  } catch (const ImportAbort&) {
+  } catch (const ImportAbort& e) {
     result.MessageShown = true;
+    result.Problem = place(e.What);
   } catch (const RuntimeFailure& e) {
     result.Failure = e.kind();
+    const std::string name = FailureName(e.kind());
+    if (e.kind() == FailureKind::InputPastEnd)
+      result.Problem =
+          place(where.header ? "No number cell was found after the column names (" + name + ")"
+                             : "The file ends inside a row (" + name + ")");
+    else if (where.header && e.kind() == FailureKind::SubscriptOutOfRange)
+      result.Problem = place("The header and first row hold more than 1000 cells (" + name + ")");
+    else
+      result.Problem = place(name);
   } catch (const std::bad_alloc&) {
     result.Failure = FailureKind::Overflow;
+    result.Problem = place(FailureName(FailureKind::Overflow));
   }
   return result;
 }

@@ -28,6 +28,9 @@ struct InterpImportResult {
   // The failure that ended the import quietly: a cancelled dialog, a file
   // that cannot be read, a cell that is no number, a file over the limits.
   std::optional<FailureKind> Failure;
+  // What failed and where, for a user without the window; empty after a
+  // success.
+  std::string Problem;
 };
 
 // Reads the station table (mode 0) or the target sites (mode 2) from `path`

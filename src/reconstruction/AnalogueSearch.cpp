@@ -7,6 +7,7 @@
 
 #include "eof/PreTreatment.h"
 #include "reconstruction/NearestSites.h"
+#include "state/Finite.h"
 #include "state/Parallel.h"
 
 namespace varnoth {
@@ -337,6 +338,10 @@ void Reconstruct(Session& s, const AnalogueSettings& st, Progress& progress, boo
       if (v > s.ReconMax(p)) s.ReconMax(p) = v;
     }
   }
+  RequireFinite(s.AnalogueDistance);
+  RequireFinite(s.ReconValue);
+  RequireFinite(s.ReconLow);
+  RequireFinite(s.ReconHigh);
 }
 
 void ErrorModel(Session& s, const AnalogueSettings& st, Progress& progress, bool literal) {
@@ -354,6 +359,8 @@ void ErrorModel(Session& s, const AnalogueSettings& st, Progress& progress, bool
   for (long t = 1; t <= sites; ++t)
     Estimate(s, st, true, dist.Row(t, st.MaxAnalogues), site.Row(t, kMaxRanks), st.MaxAnalogues,
              s.ReconRefValue.Row(t, params));
+  RequireFinite(dist);
+  RequireFinite(s.ReconRefValue);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "state/CellReader.h"
 #include "state/Format.h"
+#include "state/ReadProblem.h"
 
 namespace varnoth {
 
@@ -14,7 +15,25 @@ constexpr long kCellListUpper = 999;  // the first rows' cell list: 1000 cells
 constexpr long kParamColumnUpper = 1000;
 
 // The read stops after a message that the user has already seen.
-struct ClimateAbort {};
+struct ClimateAbort {
+  std::string What;
+};
+
+// Where the read stands: rows count the header as row 1, columns the site
+// name as column 1; 0 where not known.
+struct ClimateWhere {
+  bool header = false, rows = false;
+  long row = 0, column = 0, cell = 0;
+  void At(long r, long c) {
+    row = r;
+    column = c;
+    cell = 0;
+  }
+  void AtCell(long k) {
+    row = column = 0;
+    cell = k;
+  }
+};
 
 std::string NumericName(std::string_view cell) { return FormatGeneral(LenientParse(cell)); }
 
@@ -36,20 +55,27 @@ class WorkingRows {
   std::vector<double> values_;
 };
 
-void ReadClimate(Session& s, const std::string& path, Dialogs& dialogs) {
+void ReadClimate(Session& s, const std::string& path, Dialogs& dialogs, ClimateWhere& where) {
   CellReader in = CellReader::FromFile(path);
+  where.header = true;
 
   // Width detection: the header and the first data row up to its first
   // number cell, then as many cells again as the detection needs.
   Array1<std::string> list(kCellListUpper);
   long n = 0;
   for (;;) {
+    where.AtCell(n + 1);
     std::string_view cell = in.Next();
     list(n) = std::string(cell);
     ++n;
     if (IsNumberCell(cell)) break;
   }
-  for (long i = n; i <= 2 * n - 4; ++i) list(i) = std::string(in.Next());
+  for (long i = n; i <= 2 * n - 4; ++i) {
+    where.AtCell(i + 1);
+    list(i) = std::string(in.Next());
+  }
+  where.header = false;
+  where.rows = true;
   const bool text = !IsNumberCell(list(2 * n - 4));
   const Count m = ToCount(static_cast<long long>(text ? n - 3 : n - 2));
   s.ClimateSiteNamesAreText = text;
@@ -62,6 +88,7 @@ void ReadClimate(Session& s, const std::string& path, Dialogs& dialogs) {
   Count rows = 0;
   for (long r = 1;; ++r) {
     if (in.AtEnd()) break;
+    where.At(r + 1, 1);
     rows = ToCount(static_cast<long long>(r));
     names.ReDimPreserve(r);
     double* v = values.Row(r);
@@ -71,21 +98,26 @@ void ReadClimate(Session& s, const std::string& path, Dialogs& dialogs) {
         for (long q = 1; q <= m; ++q) v[q] = LenientParse(list(m + 1 + q));
       } else {
         for (long q = 1; q <= m - 1; ++q) v[q] = LenientParse(list(m + 1 + q));
+        where.At(2, m + 1);
         v[m] = LenientParse(in.Next());
       }
     } else if (r == 2) {
       names(r) = text ? list(2L * m + 2) : NumericName(in.Next());
-      for (long q = 1; q <= m; ++q) v[q] = LenientParse(in.Next());
+      for (long q = 1; q <= m; ++q) {
+        where.At(3, q + 1);
+        v[q] = LenientParse(in.Next());
+      }
     } else {
       std::string_view name = in.Next();
       names(r) = text ? std::string(name) : NumericName(name);
       for (long q = 1; q <= m; ++q) {
+        where.At(r + 1, q + 1);
         std::string_view cell = in.Next();
         if (cell.empty()) {
           v[q] = kMissing;
           dialogs.Message(kBlankCellMessage, "Error");
           s.ClimateSiteNames = names;
-          throw ClimateAbort{};
+          throw ClimateAbort{"An empty cell"};
         }
         v[q] = LenientParse(cell);
       }
@@ -93,14 +125,17 @@ void ReadClimate(Session& s, const std::string& path, Dialogs& dialogs) {
     if (r > s.RefSiteCount) {
       dialogs.Message(kSiteNumberMessage, "Error");
       s.ClimateSiteNames = names;
-      throw ClimateAbort{};
+      throw ClimateAbort{"More sites than the reference table's " + std::to_string(s.RefSiteCount)};
     }
   }
+  where.rows = false;
+  where.At(0, 0);
   s.ClimateFileName = path;
   s.ClimateSiteNames = names;
   if (rows != s.RefSiteCount) {
     dialogs.Message(kSiteNumberMessage, "Error");
-    throw ClimateAbort{};
+    throw ClimateAbort{std::to_string(rows) + " sites where the reference table has " +
+                       std::to_string(s.RefSiteCount)};
   }
 
   // Names are compared site by site; each accepted difference is listed in
@@ -111,8 +146,12 @@ void ReadClimate(Session& s, const std::string& path, Dialogs& dialogs) {
     const std::string& climate = s.ClimateSiteNames(i);
     const std::string& reference = s.RefSiteNames(i);
     if (climate == reference) continue;
-    if (!dialogs.Question("Name inconsistent.  [" + climate + "] = [" + reference + "]?", "Error"))
-      throw ClimateAbort{};
+    if (!dialogs.Question("Name inconsistent.  [" + climate + "] = [" + reference + "]?",
+                          "Error")) {
+      where.At(i + 1, 1);
+      throw ClimateAbort{"The site names [" + climate + "] and [" + reference +
+                         "] were not accepted as the same"};
+    }
     accepted = Increment(accepted);
     s.ClimateNameMismatch(accepted) = "[" + climate + "]/[" + reference + "]";
   }
@@ -127,6 +166,24 @@ void ReadClimate(Session& s, const std::string& path, Dialogs& dialogs) {
   s.ClimateLoaded = true;
 }
 
+std::string Explain(FailureKind kind, const ClimateWhere& where) {
+  const std::string name = FailureName(kind);
+  if (where.header && kind == FailureKind::InputPastEnd)
+    return "No number cell was found after the parameter names (" + name + ")";
+  if (where.header && kind == FailureKind::SubscriptOutOfRange)
+    return "The header and first row hold more than 1000 cells (" + name + ")";
+  if (where.rows && kind == FailureKind::InputPastEnd)
+    return "The file ends inside a row (" + name + ")";
+  if (where.rows && kind == FailureKind::Overflow) return "A value is too large (" + name + ")";
+  return name;
+}
+
+std::string Place(const std::string& what, const std::string& file, const ClimateWhere& where) {
+  std::string text = ReadProblemText(what, file, where.row, where.column, where.cell);
+  if (where.header) text += FileKindHint(file);
+  return text;
+}
+
 }  // namespace
 
 ClimateImportResult Inport_climate_data(Session& s, const std::optional<std::string>& path,
@@ -139,16 +196,20 @@ ClimateImportResult Inport_climate_data(Session& s, const std::optional<std::str
   }
   if (!path) {
     result.Failure = FailureKind::Cancelled;
+    result.Problem = FailureName(FailureKind::Cancelled);
     return result;
   }
+  ClimateWhere where;
   try {
-    ReadClimate(s, *path, dialogs);
+    ReadClimate(s, *path, dialogs, where);
     result.Ok = true;
     // The climate in use is now the file's, not the interpolation tool's.
     s.SiteInfoLoaded = false;
-  } catch (const ClimateAbort&) {
+  } catch (const ClimateAbort& e) {
+    result.Problem = Place(e.What, *path, where);
   } catch (const RuntimeFailure& e) {
     result.Failure = e.kind();
+    result.Problem = Place(Explain(e.kind(), where), *path, where);
   }
   return result;
 }

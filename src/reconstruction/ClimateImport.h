@@ -18,6 +18,9 @@ struct ClimateImportResult {
   // A cancelled dialog and a file that cannot be read end silently; the
   // caller reports any other kind as the run-time failure.
   std::optional<FailureKind> Failure;
+  // What failed and where, for a user without the window; empty after a
+  // success.
+  std::string Problem;
 };
 
 inline constexpr const char* kBlankCellMessage = "Blanc cell detected.";

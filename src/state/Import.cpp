@@ -13,6 +13,7 @@
 #include "state/CellReader.h"
 #include "state/Format.h"
 #include "state/Parallel.h"
+#include "state/ReadProblem.h"
 
 namespace varnoth {
 
@@ -24,7 +25,26 @@ constexpr long kColumnUpper = 1000;  // value columns 0..1000
 
 // Thrown after "Blanc cell detected." or a refused name: the message is
 // already shown, the failure path follows.
-struct ImportAbort {};
+struct ImportAbort {
+  std::string What;
+};
+
+// Where the read stands, so that a failure can say where it met the table.
+// Rows count the header as row 1 and columns the label as column 1, as a
+// spreadsheet shows them; 0 where the place is not known.
+struct Where {
+  enum Stage { Reading, Header, Rows, Checking, Treating } stage = Reading;
+  long row = 0, column = 0, cell = 0;
+  void At(long r, long c) {
+    row = r;
+    column = c;
+    cell = 0;
+  }
+  void AtCell(long k) {
+    row = column = 0;
+    cell = k;
+  }
+};
 
 // The variables one import fills: the reference's or the fossil's.
 struct Target {
@@ -172,10 +192,11 @@ class RowsAhead {
 
 // Taxa check of the second import: by position, with the user accepting
 // differing names as synonyms.
-void CheckTaxa(Session& s, Dialogs& dialogs) {
+void CheckTaxa(Session& s, Dialogs& dialogs, Where& where) {
   if (s.RefTaxaCount != s.FossilTaxaCount) {
     dialogs.Message("Parameter number inconsistent.", "Error");
-    throw ImportAbort{};
+    throw ImportAbort{"The tables have " + std::to_string(s.RefTaxaCount) + " and " +
+                      std::to_string(s.FossilTaxaCount) + " taxa"};
   }
   s.TaxaMismatch.ReDim(s.RefTaxaCount);
   Count c = 0;
@@ -183,8 +204,12 @@ void CheckTaxa(Session& s, Dialogs& dialogs) {
     const std::string& fossil = s.FossilTaxaNames(j);
     const std::string& reference = s.RefTaxaNames(j);
     if (fossil == reference) continue;
-    if (!dialogs.Question("Name inconsistent.  [" + fossil + "] = [" + reference + "]?", "Error"))
-      throw ImportAbort{};
+    if (!dialogs.Question("Name inconsistent.  [" + fossil + "] = [" + reference + "]?",
+                          "Error")) {
+      where.At(1, j + 1);
+      throw ImportAbort{"The taxon names [" + fossil + "] and [" + reference +
+                        "] were not accepted as the same"};
+    }
     c = Increment(c);
     s.TaxaMismatch(c) = "[" + fossil + "]/[" + reference + "]";
   }
@@ -192,7 +217,7 @@ void CheckTaxa(Session& s, Dialogs& dialogs) {
 }
 
 void RunImport(Session& s, const Target& t, const std::optional<std::string>& path,
-               Dialogs& dialogs) {
+               Dialogs& dialogs, Where& where) {
   const bool fossil = !t.reference;
   if (!s.ReferenceIsBase && !s.FossilIsBase)
     (t.reference ? s.ReferenceIsBase : s.FossilIsBase) = true;
@@ -204,13 +229,19 @@ void RunImport(Session& s, const Target& t, const std::optional<std::string>& pa
   // Header scan: cells up to and including the first number cell.
   Array1<std::string> buffer(kHeaderUpper);
   long k = 0;
+  where.stage = Where::Header;
   for (;;) {
+    where.AtCell(k + 1);
     std::string_view cell = in.Next();
     buffer(k) = std::string(cell);
     ++k;
     if (IsNumberCell(cell)) break;
   }
-  for (long i = k; i <= 2 * k - 4; ++i) buffer(i) = std::string(in.Next());
+  for (long i = k; i <= 2 * k - 4; ++i) {
+    where.AtCell(i + 1);
+    buffer(i) = std::string(in.Next());
+  }
+  where.stage = Where::Rows;
 
   const bool text = !IsNumberCell(buffer(2 * k - 4));
   const Count n = ToCount(static_cast<long long>(text ? k - 3 : k - 2));
@@ -249,36 +280,57 @@ void RunImport(Session& s, const Target& t, const std::optional<std::string>& pa
     }
     if (ahead.Start() != std::string::npos && in.Position() > ahead.Start()) ahead.Stop();
     if (in.AtEnd()) break;
+    where.At(r + 1, 1);
     (void)labels(r);  // the label list holds rows up to 9999
     rows = ToCount(static_cast<long long>(r));
     double* v = values.Row(r);
     if (r == 1) {
       labels(r) = buffer(n + 1);
       if (text) {
-        for (long j = 1; j <= n; ++j) v[j] = StrictParse(buffer(n + 1 + j));
+        for (long j = 1; j <= n; ++j) {
+          where.At(2, j + 1);
+          v[j] = StrictParse(buffer(n + 1 + j));
+        }
       } else {
-        for (long j = 1; j <= n - 1; ++j) v[j] = StrictParse(buffer(n + 1 + j));
+        for (long j = 1; j <= n - 1; ++j) {
+          where.At(2, j + 1);
+          v[j] = StrictParse(buffer(n + 1 + j));
+        }
+        where.At(2, n + 1);
         v[n] = LenientParse(in.Next());
       }
     } else if (r == 2) {
       labels(r) = text ? buffer(2L * n + 2) : NormalisedLabel(in.Next());
       bool empty;
-      for (long j = 1; j <= n; ++j) v[j] = in.NextLenient(empty);
+      for (long j = 1; j <= n; ++j) {
+        where.At(3, j + 1);
+        v[j] = in.NextLenient(empty);
+      }
     } else {
       std::string_view label = in.Next();
       labels(r) = text ? std::string(label) : NormalisedLabel(label);
-      for (long j = 1; j <= n; ++j) {
-        bool empty;
-        v[j] = in.NextLenient(empty);
-        if (empty) {
-          v[j] = kMissing;
-          dialogs.Message("Blanc cell detected.", "Error");
-          throw ImportAbort{};
+      // The column is noted only when the row fails: this loop reads
+      // nearly every cell of a table.
+      long j = 1;
+      try {
+        for (; j <= n; ++j) {
+          bool empty;
+          v[j] = in.NextLenient(empty);
+          if (empty) {
+            v[j] = kMissing;
+            dialogs.Message("Blanc cell detected.", "Error");
+            throw ImportAbort{"An empty cell"};
+          }
         }
+      } catch (...) {
+        where.column = j + 1;
+        throw;
       }
     }
   }
 
+  where.stage = Where::Checking;
+  where.At(0, 0);
   *t.fileName = *path;
   t.rowMarks->ReDim(rows);
 
@@ -292,7 +344,7 @@ void RunImport(Session& s, const Target& t, const std::optional<std::string>& pa
   names.ReDim(n);
   for (long j = 0; j <= n; ++j) names(j) = buffer(j);
 
-  if (!isBase) CheckTaxa(s, dialogs);
+  if (!isBase) CheckTaxa(s, dialogs, where);
 
   t.scoreRaw->ReDim(rows, n);
   t.scores->ReDim(rows, n);
@@ -309,7 +361,7 @@ void RunImport(Session& s, const Target& t, const std::optional<std::string>& pa
     // of empty samples runs off the end of the list.
     long first = 1;
     while (first <= rows && s.FossilEmptySample(first)) ++first;
-    (void)s.FossilEmptySample(first);
+    if (first > rows) throw ImportAbort{"Every sample is empty (Subscript out of range)"};
     s.SampleCursor = ToCount(static_cast<long long>(first));
   }
 
@@ -319,7 +371,42 @@ void RunImport(Session& s, const Target& t, const std::optional<std::string>& pa
   t.data->Adopt(values.Take(rows), rows, n);
   if (fossil) s.FossilProportion.ReDim(rows, n);
 
+  where.stage = Where::Treating;
   if (s.ReferenceIsBase && fossil) FossilPercentageStep(s);
+}
+
+// What a failure of the read means to the user who wrote the table.
+std::string Explain(const RuntimeFailure& e, const Where& where) {
+  const std::string name = FailureName(e.kind());
+  switch (where.stage) {
+    case Where::Reading:
+      break;
+    case Where::Header:
+      if (e.kind() == FailureKind::InputPastEnd)
+        return "No number cell was found after the taxon names (" + name + ")";
+      if (e.kind() == FailureKind::SubscriptOutOfRange)
+        return "The header and first row hold more than 1000 cells (" + name + ")";
+      break;
+    case Where::Rows:
+      if (e.kind() == FailureKind::InputPastEnd)
+        return "The file ends inside a row (" + name + ")";
+      if (e.kind() == FailureKind::TypeMismatch) return "A value is not a number (" + name + ")";
+      if (e.kind() == FailureKind::Overflow) return "A value is too large (" + name + ")";
+      if (e.kind() == FailureKind::SubscriptOutOfRange)
+        return "More than 9999 rows (" + name + ")";
+      break;
+    case Where::Checking:
+      break;
+    case Where::Treating:
+      return "Treating the table failed (" + name + ")";
+  }
+  return name;
+}
+
+std::string Place(const std::string& what, const std::string& file, const Where& where) {
+  std::string text = ReadProblemText(what, file, where.row, where.column, where.cell);
+  if (where.stage == Where::Header) text += FileKindHint(file);
+  return text;
 }
 
 }  // namespace
@@ -329,21 +416,28 @@ static ImportResult Import(Session& s, bool reference, const std::optional<std::
   Target t = reference ? ReferenceTarget(s) : FossilTarget(s);
   ImportResult result;
   bool failed = false;
+  Where where;
+  const std::string file = path ? *path : std::string("the file");
   try {
-    RunImport(s, t, path, dialogs);
+    RunImport(s, t, path, dialogs, where);
     result.IsBase = reference ? s.ReferenceIsBase : s.FossilIsBase;
     if (!result.IsBase) {
       if (reference)
         ReferenceEnhancementStep(s);
       else
         FossilEnhancementStep(s);
+      where.stage = Where::Treating;
+      where.At(0, 0);
       DoProjection(s, progress);
       result.Projected = true;
     }
-  } catch (const RuntimeFailure&) {
+  } catch (const RuntimeFailure& e) {
     failed = true;
-  } catch (const ImportAbort&) {
+    result.Problem = e.kind() == FailureKind::Cancelled ? std::string(FailureName(e.kind()))
+                                                        : Place(Explain(e, where), file, where);
+  } catch (const ImportAbort& e) {
     failed = true;
+    result.Problem = Place(e.What, file, where);
   }
   if (failed) {
     // What was read stays in place; only the taxa count marks the set absent.

@@ -12,6 +12,9 @@ struct ImportResult {
   bool Ok = false;
   bool IsBase = false;     // this table was the first one: the pre-treatment dialog comes next
   bool Projected = false;  // the second table was treated and projected
+  // After a failure: what failed and where, for a user without the window
+  // (the window path shows only the program's own messages).
+  std::string Problem;
 };
 
 inline constexpr const char* kFormatErrorMessage =

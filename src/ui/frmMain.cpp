@@ -30,6 +30,7 @@
 #include "ui/frmCorrelVar.h"
 #include "ui/frmDiagram.h"
 #include "ui/frmECC.h"
+#include "ui/frmMAT.h"
 #include "ui/frmTest.h"
 
 namespace varnoth {
@@ -99,6 +100,7 @@ frmMain::frmMain(Session& session, ColourSettings& colours, Dialogs& dialogs, QW
 
 frmMain::~frmMain() {
   // The windows without a parent go with the main window.
+  delete mat_.data();
   delete correlVar_.data();
   delete color_.data();
   delete control_.data();

@@ -56,7 +56,8 @@ TEST_P(BatchCase, WritesTheExpectedFiles) {
   int expectedExit = fs::exists(caseDir + "/exit") ? std::stoi(ReadFile(caseDir + "/exit")) : 0;
   EXPECT_EQ(r.ExitCode, expectedExit) << r.Err;
   if (fs::exists(caseDir + "/stderr")) {
-    EXPECT_EQ(r.Err, ReadFile(caseDir + "/stderr"));
+    const std::string err = Replace(ReadFile(caseDir + "/stderr"), "{examples}", VARNOTH_EXAMPLES);
+    EXPECT_EQ(r.Err, Replace(err, "{data}", caseDir));
   }
   if (fs::exists(caseDir + "/stderr-begins")) {
     std::string first = ReadFile(caseDir + "/stderr-begins");

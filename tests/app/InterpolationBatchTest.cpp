@@ -185,21 +185,27 @@ TEST(InterpolationBatch, BadFilesShowTheMessagesAndWriteNoClimate) {
   };
   const std::vector<Case> cases = {
       {{"--stations", inputs.Write("five.csv", five), "--targets", Data("targets.csv")},
-       "Error: File does not contain climate data.\n"},
+       "Error: File does not contain climate data.\n"
+       "Error: No climate column after the five of the positions and lapse rates in " +
+           inputs.Path("five.csv") + "\n"},
       {{"--stations", Data("stations.csv"), "--targets", inputs.Write("short.csv", shortTargets)},
-       "Error: Number of surface pollen sites inconsistent.\n"},
+       "Error: Number of surface pollen sites inconsistent.\n"
+       "Error: 60 target sites where the reference table has 61 in " +
+           inputs.Path("short.csv") + "\n"},
       {{"--stations", Data("stations.csv"), "--targets", inputs.Write("renamed.csv", renamed)},
-       "Error: Name inconsistent.  [X14-61] = [V14-61]? (answered No; see --accept-names)\n"},
+       "Error: Name inconsistent.  [X14-61] = [V14-61]? (answered No; see --accept-names)\n"
+       "Error: The site names [X14-61] and [V14-61] were not accepted as the same in " +
+           inputs.Path("renamed.csv") + ", row 2, column 1\n"},
       {{"--stations", inputs.Path("none.csv"), "--targets", Data("targets.csv")},
        "Error: Cannot read the station file " + inputs.Path("none.csv") + ".\n"},
       {{"--stations", inputs.Write("binary.csv", std::string("\x01\xff\x00,7", 5)), "--targets",
         Data("targets.csv")},
-       "Error: The station file " + inputs.Path("binary.csv") +
-           " could not be read (Subscript out of range).\n"},
+       "Error: Subscript out of range in " + inputs.Path("binary.csv") +
+           ". The file is not text.\n"},
       {{"--stations", Data("stations.csv"), "--targets",
         inputs.Write("cut.csv", targets.substr(0, 200))},
-       "Error: The target file " + inputs.Path("cut.csv") +
-           " could not be read (Input past end of file).\n"},
+       "Error: The file ends inside a row (Input past end of file) in " + inputs.Path("cut.csv") +
+           ", row 8, column 2\n"},
   };
   for (const Case& c : cases) {
     TempDir work;

@@ -168,10 +168,18 @@ TEST(ReconstructionBatch, BadClimateFilesShowTheMessagesAndWriteNoCurve) {
     bool acceptNames = false;
   };
   const std::vector<Case> cases = {
-      {Climate("short.csv"), "Error: Site number inconsistent.\n"},
-      {Climate("blank.csv"), "Error: Blanc cell detected.\n"},
+      {Climate("short.csv"),
+       "Error: Site number inconsistent.\n"
+       "Error: 60 sites where the reference table has 61 in " +
+           Climate("short.csv") + "\n"},
+      {Climate("blank.csv"),
+       "Error: Blanc cell detected.\n"
+       "Error: An empty cell in " +
+           Climate("blank.csv") + ", row 10, column 4\n"},
       {Climate("renamed.csv"),
-       "Error: Name inconsistent.  [X14-61] = [V14-61]? (answered No; see --accept-names)\n"},
+       "Error: Name inconsistent.  [X14-61] = [V14-61]? (answered No; see --accept-names)\n"
+       "Error: The site names [X14-61] and [V14-61] were not accepted as the same in " +
+           Climate("renamed.csv") + ", row 2, column 1\n"},
       {Climate("missing.csv"),
        "Error: Cannot read the climate file " + Climate("missing.csv") + ".\n"},
   };

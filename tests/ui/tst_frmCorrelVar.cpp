@@ -145,6 +145,19 @@ class tst_frmCorrelVar : public QObject {
     QVERIFY(f.session.ProjectionDone);
   }
 
+  void hugeCellsEndInOverflowAtTheBoundary() {
+    MainFixture f;
+    // Both 1e308 cells are finite; their row sum is not.
+    f.ImportReference(
+        f.Write("r.csv", "Site,A,B,C\r\nS1,1,1e308,1e308\r\nS2,1,2,3\r\nS3,4,5,6\r\n"));
+    QVERIFY(f.dialogs.Messages.empty());
+    f.Confirm();
+    QCOMPARE(f.dialogs.Messages.size(), std::size_t(1));
+    QCOMPARE(f.dialogs.Messages.back().Text, std::string("Overflow"));
+    QCOMPARE(f.dialogs.Messages.back().Title, std::string("Error"));
+    QVERIFY(!f.session.EofDone);
+  }
+
   void returnConfirmsTheDialog() {
     MainFixture f;
     f.ImportReference(f.Write("reference.csv", kReference));

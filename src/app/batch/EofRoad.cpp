@@ -1,6 +1,7 @@
 // The road of the EOF analysis: base import, pre-treatment, analysis, second
 // import and projection; and, at the end of the run, the three score files.
 #include <filesystem>
+#include <iostream>
 
 #include "Batch.h"
 #include "eof/PreTreatment.h"
@@ -32,8 +33,12 @@ PreTreatmentSettings SettingsFrom(const Options& o) {
   return p;
 }
 
-void Require(bool ok) {
-  if (!ok) throw RunStopped{};
+// The window's failure path of an import may show nothing; here the user
+// always learns what failed and where.
+void Require(const ImportResult& result) {
+  if (result.Ok) return;
+  std::cerr << "Error: " << result.Problem << "\n";
+  throw RunStopped{};
 }
 
 void RunRoad(Context& c) {
@@ -42,18 +47,24 @@ void RunRoad(Context& c) {
   const bool referenceBase = o.Get("--base", "reference") == "reference";
   const PreTreatmentSettings settings = SettingsFrom(o);
   auto importReference = [&] {
-    Require(ImportReference(c.S, o.Get("--reference"), c.Dialogs, progress).Ok);
+    Require(ImportReference(c.S, o.Get("--reference"), c.Dialogs, progress));
   };
-  auto importFossil = [&] {
-    Require(ImportFossil(c.S, o.Get("--fossil"), c.Dialogs, progress).Ok);
+  auto importFossil = [&] { Require(ImportFossil(c.S, o.Get("--fossil"), c.Dialogs, progress)); };
+  auto analyse = [&](const std::string& file) {
+    try {
+      ApplyPreTreatment(c.S, settings, progress);
+    } catch (const RuntimeFailure& e) {
+      std::cerr << "Error: " << e.what() << " in the EOF analysis of " << file << "\n";
+      throw RunStopped{};
+    }
   };
   if (referenceBase) {
     importReference();
-    ApplyPreTreatment(c.S, settings, progress);
+    analyse(o.Get("--reference"));
     if (o.Has("--fossil")) importFossil();
   } else {
     importFossil();
-    ApplyPreTreatment(c.S, settings, progress);
+    analyse(o.Get("--fossil"));
     if (o.Has("--reference")) importReference();
   }
 }

@@ -36,10 +36,9 @@ void Import(Context& c, Count mode, const std::string& option, const std::string
   const std::string path = c.Opts.Get(option);
   const InterpImportResult r = ImportData(c.S, mode, path, c.Dialogs);
   if (r.Ok) return;
-  if (r.MessageShown) throw RunStopped{};  // the program's own message is out already
   if (r.Failure == FailureKind::FileNotFound) Stop("Cannot read the " + what + " " + path + ".");
-  Stop("The " + what + " " + path + " could not be read (" +
-       FailureName(r.Failure.value_or(FailureKind::InvalidCall)) + ").");
+  // After the program's own message, or in its place: what and where.
+  Stop(r.Problem);
 }
 
 void RunInterpolationStep(Context& c) {

@@ -127,8 +127,8 @@ void RunReconstructionStep(Context& c) {
   if (!imported.Ok) {
     if (imported.Failure == FailureKind::FileNotFound)
       Stop("Cannot read the climate file " + path + ".");
-    if (imported.Failure) Stop(FailureName(*imported.Failure));
-    throw RunStopped{};  // the program's own message is out already
+    // After the program's own message, or in its place: what and where.
+    Stop(imported.Problem);
   }
 
   const std::string name = c.Opts.Get("--parameter", s.ClimateParamNames(1));
