@@ -24,9 +24,14 @@ LiteralInterpolation RunInterpolationLiteral(const InterpolationState& st, Inter
       auto lapse = [&](long k) {
         return targets ? st.InterpTargetLapse(i, k) : st.InterpRefLapse(i, k);
       };
+      // The square through the power function is the correctly rounded
+      // square, which is the product: optimised builds fold pow(v, 2) into
+      // v * v, and an unoptimised one must not call a power function whose
+      // last bit may differ.
+      auto square = [](double v) { return v * v; };
       for (long j = 1; j <= nr; ++j)
-        dist(i, j) = std::pow(std::pow(x - static_cast<double>(st.InterpRefLon(j)), 2) +
-                                  std::pow(y - static_cast<double>(st.InterpRefLat(j)), 2),
+        dist(i, j) = std::pow(square(x - static_cast<double>(st.InterpRefLon(j))) +
+                                  square(y - static_cast<double>(st.InterpRefLat(j))),
                               0.5);
       if (mode == InterpMode::Interpolation) {
         double sum = 0;
