@@ -323,31 +323,7 @@ void frmMAT::Load() {
   frame5Width_ = kFrame5Width;
 
   // 2. Nothing to save or copy yet; no enhancement of the search.
-  for (QAction* a : {mnuSaveCurveEntry,
-                     mnuSaveCurveVOnly,
-                     mnuSaveCurveVandE,
-                     mnuSaveCurveAllEntry,
-                     mnuSaveCurveAllVOnly,
-                     mnuSaveCurveAllVandE,
-                     mnuSaveDistAna2,
-                     mnuSaveScatter,
-                     mnuSaveOstrel,
-                     mnuSaveTamsek,
-                     mnuCopy1,
-                     mnuSaveCurve2Entry,
-                     mnuSaveCurve2VOnly,
-                     mnuSaveCurve2VandE,
-                     mnuSaveCurveAll2Entry,
-                     mnuSaveCurveAll2VOnly,
-                     mnuSaveCurveAll2VandE,
-                     mnuSaveDistAna,
-                     mnuCopy2,
-                     mnuSaveScatter2,
-                     mnuCopy3,
-                     mnuSaveTamsek2,
-                     mnuCopy4,
-                     mnuSaveOstrel2})
-    a->setEnabled(false);
+  for (QAction* a : SaveAndCopyEntries()) a->setEnabled(false);
   {
     const QSignalBlocker quiet(Check2);
     Check2->setChecked(false);
@@ -522,35 +498,40 @@ void frmMAT::resizeEvent(QResizeEvent* event) {
   });
 }
 
+// Every save and copy entry of the menus and pop-ups, which start disabled
+// and are disabled again when the window closes.
+std::vector<QAction*> frmMAT::SaveAndCopyEntries() const {
+  return {mnuSaveCurveEntry,
+          mnuSaveCurveVOnly,
+          mnuSaveCurveVandE,
+          mnuSaveCurveAllEntry,
+          mnuSaveCurveAllVOnly,
+          mnuSaveCurveAllVandE,
+          mnuSaveDistAna2,
+          mnuSaveScatter,
+          mnuSaveOstrel,
+          mnuSaveTamsek,
+          mnuCopy1,
+          mnuSaveCurve2Entry,
+          mnuSaveCurve2VOnly,
+          mnuSaveCurve2VandE,
+          mnuSaveCurveAll2Entry,
+          mnuSaveCurveAll2VOnly,
+          mnuSaveCurveAll2VandE,
+          mnuSaveDistAna,
+          mnuCopy2,
+          mnuSaveScatter2,
+          mnuCopy3,
+          mnuSaveTamsek2,
+          mnuCopy4,
+          mnuSaveOstrel2};
+}
+
 void frmMAT::closeEvent(QCloseEvent* event) {
   s_.ReconstructionOpen = false;
   s_.ErrorModelReady = false;
   calibReady_ = histReady_ = false;
-  for (QAction* a : {mnuSaveCurveEntry,
-                     mnuSaveCurveVOnly,
-                     mnuSaveCurveVandE,
-                     mnuSaveCurveAllEntry,
-                     mnuSaveCurveAllVOnly,
-                     mnuSaveCurveAllVandE,
-                     mnuSaveDistAna2,
-                     mnuSaveScatter,
-                     mnuSaveOstrel,
-                     mnuSaveTamsek,
-                     mnuCopy1,
-                     mnuSaveCurve2Entry,
-                     mnuSaveCurve2VOnly,
-                     mnuSaveCurve2VandE,
-                     mnuSaveCurveAll2Entry,
-                     mnuSaveCurveAll2VOnly,
-                     mnuSaveCurveAll2VandE,
-                     mnuSaveDistAna,
-                     mnuCopy2,
-                     mnuSaveScatter2,
-                     mnuCopy3,
-                     mnuSaveTamsek2,
-                     mnuCopy4,
-                     mnuSaveOstrel2})
-    a->setEnabled(false);
+  for (QAction* a : SaveAndCopyEntries()) a->setEnabled(false);
   if (calibWindow_) calibWindow_->close();
   // The next opening loads the window afresh.
   if (panelsOpen_) SetPanelsOpen(false);

@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <array>
 #include <memory>
+#include <vector>
 
 #include "calibration/CalibState.h"
 #include "calibration/HistMatrix.h"
@@ -167,6 +168,7 @@ class frmMAT : public QMainWindow {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  std::vector<QAction*> SaveAndCopyEntries() const;
   // Construction, layout and the window's life, in frmMAT.cpp.
   void BuildControls();
   void BuildMenus();
