@@ -11,18 +11,7 @@ ROOT=$(cd "$(dirname "$0")/.." && pwd)
 EXAMPLES="$ROOT/data/examples"
 
 # What the road needs beyond the build, installed only when missing.
-packages=(xvfb openbox xdotool)
-missing=()
-for p in "${packages[@]}"; do
-  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
-done
-if [ ${#missing[@]} -gt 0 ]; then
-  echo "Installing: ${missing[*]}"
-  SUDO=""
-  [ "$(id -u)" -eq 0 ] || SUDO=sudo
-  $SUDO apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
-fi
+"$ROOT/scripts/install-deps.sh" xvfb openbox xdotool
 
 mkdir -p "$OUT"
 rm -f "$OUT"/*.png

@@ -16,6 +16,7 @@
 
 #include "calibration/PairSets.h"
 #include "state/Format.h"
+#include "ui/Controls.h"
 #include "ui/PictureBox.h"
 #include "ui/WindowPlacement.h"
 #include "ui/frmCC1.h"
@@ -33,18 +34,6 @@ namespace {
 constexpr int kPanelWidth = 272;
 constexpr int kFigure = 200, kFigureGap = 34, kFiguresLeft = kPanelWidth + 16;
 constexpr int kRowTop[2] = {26, 26 + kFigure + 66};
-
-template <typename T>
-T* Named(T* w, const QString& name) {
-  w->setObjectName(name);
-  return w;
-}
-
-QAction* Entry(QObject* parent, const QString& name, const QString& caption) {
-  auto* a = new QAction(caption, parent);
-  a->setObjectName(name);
-  return a;
-}
 
 QSlider* MakeSlider(QWidget* parent, const QString& name, Qt::Orientation o, int minimum,
                     int maximum, int value, int page) {

@@ -13,6 +13,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "ui/Controls.h"
 #include "ui/PictureBox.h"
 #include "ui/ToolTips.h"
 
@@ -24,12 +25,6 @@ namespace {
 constexpr int kTableHeight = 152;
 constexpr int kSummaryHeight = 34;
 constexpr int kTwipsPerPixel = 15;
-
-QLabel* Caption(QWidget* parent, const QString& name, const QString& text) {
-  auto* l = new QLabel(text, parent);
-  l->setObjectName(name);
-  return l;
-}
 
 QPushButton* Button(QWidget* parent, const QString& name, const QString& caption) {
   auto* b = new QPushButton(caption, parent);

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "ui/Controls.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/ToolTips.h"
@@ -39,26 +40,6 @@ constexpr int kMinHeight = Pixels(6000), kMinWidth = Pixels(4000), kTooSmall = P
 constexpr int kSmallHeight = Pixels(5000), kSmallWidth = Pixels(3500);
 // The row of controls under the diagram ends at Slider3's shortest width.
 constexpr int kControlsRow = 6 + 414 + 60 + 6;
-
-QAction* Entry(QObject* parent, const QString& name, const QString& caption) {
-  auto* a = new QAction(caption, parent);
-  a->setObjectName(name);
-  return a;
-}
-
-QLabel* Caption(QWidget* parent, const QString& name, const QString& text) {
-  auto* l = new QLabel(text, parent);
-  l->setObjectName(name);
-  return l;
-}
-
-PictureBox* Picture(QWidget* parent, const QString& name) {
-  auto* p = new PictureBox(name, QSize(100, 100), false, parent);
-  // The window places its panels itself, from its margins.
-  p->setMinimumSize(1, 1);
-  p->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
-  return p;
-}
 
 }  // namespace
 

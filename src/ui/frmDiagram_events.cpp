@@ -13,23 +13,12 @@
 #include "diagram/Coniss.h"
 #include "diagram/EofCurveFiles.h"
 #include "state/Format.h"
+#include "ui/Controls.h"
 #include "ui/ListName.h"
 #include "ui/PictureBox.h"
 #include "ui/frmDiagram.h"
 
 namespace varnoth {
-
-namespace {
-
-// Sets a control's value without its change event.
-template <typename Control>
-void SetQuietly(Control* c, int value) {
-  const bool was = c->blockSignals(true);
-  c->setValue(value);
-  c->blockSignals(was);
-}
-
-}  // namespace
 
 void frmDiagram::Load() {
   const Count n = s_.FossilSampleCount;

@@ -16,6 +16,7 @@
 #include "diagram/EofClimateCorrelation.h"
 #include "reconstruction/ClimateImport.h"
 #include "state/Format.h"
+#include "ui/Controls.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/frmDiagram.h"
@@ -44,13 +45,6 @@ QLabel* Caption(QWidget* parent, const QString& name, Qt::Alignment align) {
   l->setObjectName(name);
   l->setAlignment(align);
   return l;
-}
-
-template <typename Control>
-void SetQuietly(Control* c, int value) {
-  const bool was = c->blockSignals(true);
-  c->setValue(value);
-  c->blockSignals(was);
 }
 
 }  // namespace

@@ -21,6 +21,7 @@
 
 #include "interpolation/StationImport.h"
 #include "state/Format.h"
+#include "ui/Controls.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/WindowPlacement.h"
@@ -37,12 +38,6 @@ constexpr int Pixels(int twips) { return (twips + 7) / 15; }
 constexpr int kBeside = Pixels(4450);     // the controls to the right of the map
 constexpr int kMapHeight = Pixels(5400);  // the map's height as designed
 constexpr int kMargin = 8;
-
-template <typename T>
-T* Named(T* w, const QString& name) {
-  w->setObjectName(name);
-  return w;
-}
 
 QString Number(double v) { return QString::fromStdString(FormatGeneral(static_cast<float>(v))); }
 

@@ -12,6 +12,7 @@
 
 #include "interpolation/Accuracy.h"
 #include "state/Format.h"
+#include "ui/Controls.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/WindowPlacement.h"
@@ -21,12 +22,6 @@
 namespace varnoth {
 
 namespace {
-
-template <typename T>
-T* Named(T* w, const QString& name) {
-  w->setObjectName(name);
-  return w;
-}
 
 const QColor kBlue{0, 0, 255};
 

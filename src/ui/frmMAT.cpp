@@ -17,6 +17,7 @@
 #include <tuple>
 
 #include "reconstruction/ClimateImport.h"
+#include "ui/Controls.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/frmCalib.h"
@@ -41,37 +42,6 @@ constexpr int kColumnA = 6, kColumnB = 214, kColumnWidth = 200;
 constexpr int kFrame5Left = 420, kFrame5Width = 140, kFrame5Height = 104;
 constexpr int kPictureTop = 8, kGap = 8;
 constexpr int kPicture99 = 16;  // how much the sample box widens with the panels
-
-QAction* Entry(QObject* parent, const QString& name, const QString& caption) {
-  auto* a = new QAction(caption, parent);
-  a->setObjectName(name);
-  return a;
-}
-
-template <typename T>
-T* Named(T* w, const QString& name) {
-  w->setObjectName(name);
-  return w;
-}
-
-QSlider* Slider(QWidget* parent, const QString& name, int minimum, int maximum, int value) {
-  auto* s = Named(new QSlider(Qt::Horizontal, parent), name);
-  s->setRange(minimum, maximum);
-  s->setValue(value);
-  s->setSingleStep(1);
-  s->setPageStep(1);
-  s->setTickPosition(QSlider::TicksBelow);
-  s->setTickInterval(std::max(1, (maximum - minimum) / 10));
-  return s;
-}
-
-PictureBox* Picture(QWidget* parent, const QString& name) {
-  auto* p = new PictureBox(name, QSize(100, 100), false, parent);
-  // The window places and sizes its pictures itself.
-  p->setMinimumSize(1, 1);
-  p->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
-  return p;
-}
 
 }  // namespace
 

@@ -19,6 +19,7 @@
 #include "reconstruction/ClimateImport.h"
 #include "reconstruction/Curves.h"
 #include "state/Format.h"
+#include "ui/Controls.h"
 #include "ui/PictureBox.h"
 #include "ui/frmCalib.h"
 #include "ui/frmDiagram.h"
@@ -28,12 +29,6 @@
 namespace varnoth {
 
 namespace {
-
-template <typename Control>
-void SetQuietly(Control* c, int value) {
-  const QSignalBlocker quiet(c);
-  c->setValue(value);
-}
 
 void SetTextColour(QWidget* w, const QColor& colour) {
   // The disabled look stays the style's own.

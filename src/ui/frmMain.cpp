@@ -21,6 +21,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "ui/Controls.h"
 #include "ui/PictureBox.h"
 #include "ui/ToolTips.h"
 #include "ui/WindowPlacement.h"
@@ -45,34 +46,10 @@ QPushButton* Button(QWidget* parent, const QString& name, const QString& caption
   return b;
 }
 
-QLabel* Caption(QWidget* parent, const QString& name, const QString& text) {
-  auto* l = new QLabel(text, parent);
-  l->setObjectName(name);
-  return l;
-}
-
-QSlider* Slider(QWidget* parent, const QString& name, int minimum, int maximum, int value) {
-  auto* s = new QSlider(Qt::Horizontal, parent);
-  s->setObjectName(name);
-  s->setRange(minimum, maximum);
-  s->setValue(value);
-  s->setSingleStep(1);
-  s->setPageStep(1);
-  s->setTickPosition(QSlider::TicksBelow);
-  s->setTickInterval(std::max(1, (maximum - minimum) / 10));
-  return s;
-}
-
 QGroupBox* Frame(QWidget* parent, const QString& name, const QString& caption) {
   auto* f = new QGroupBox(caption, parent);
   f->setObjectName(name);
   return f;
-}
-
-QAction* Entry(QObject* parent, const QString& name, const QString& caption) {
-  auto* a = new QAction(caption, parent);
-  a->setObjectName(name);
-  return a;
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include "presentation/CalibFigure.h"
 #include "presentation/CalibPrint.h"
 #include "state/Format.h"
+#include "ui/Controls.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/PrinterTarget.h"
@@ -27,12 +28,6 @@ namespace varnoth {
 namespace {
 
 constexpr int kMain = 401, kSection = 120, kLegend = 24;
-
-template <typename T>
-T* Named(T* w, const QString& name) {
-  w->setObjectName(name);
-  return w;
-}
 
 }  // namespace
 

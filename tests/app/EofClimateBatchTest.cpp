@@ -8,12 +8,14 @@
 #include <vector>
 
 #include "BatchProgram.h"
+#include "support/Checks.h"
 
 namespace {
 
 using varnoth::test::BatchRun;
 using varnoth::test::Example;
 using varnoth::test::Lines;
+using varnoth::test::Pearson;
 using varnoth::test::ReadFile;
 
 std::vector<std::string> Cells(const std::string& line) {
@@ -25,19 +27,6 @@ std::vector<std::string> Cells(const std::string& line) {
     out.push_back(cell);
   }
   return out;
-}
-
-double Pearson(const std::vector<double>& x, const std::vector<double>& y) {
-  long double n = x.size(), sx = 0, sy = 0, sxx = 0, syy = 0, sxy = 0;
-  for (std::size_t i = 0; i < x.size(); ++i) {
-    sx += x[i];
-    sy += y[i];
-    sxx += (long double)x[i] * x[i];
-    syy += (long double)y[i] * y[i];
-    sxy += (long double)x[i] * y[i];
-  }
-  const long double d = std::sqrt((n * sxx - sx * sx) * (n * syy - sy * sy));
-  return d == 0 ? 0.0 : static_cast<double>((n * sxy - sx * sy) / d);
 }
 
 const std::string kTables = "--reference \"" + Example("reference.csv") + "\" --fossil \"" +

@@ -6,23 +6,12 @@
 #include <cmath>
 
 #include "calibration/CalibSupport.h"
+#include "support/Checks.h"
 
 using namespace varnoth;
 using namespace varnoth::test;
 
-namespace {
-
-FailureKind KindOf(const std::function<void()>& step) {
-  try {
-    step();
-  } catch (const RuntimeFailure& e) {
-    return e.kind();
-  }
-  ADD_FAILURE() << "no failure";
-  return FailureKind::InvalidCall;
-}
-
-}  // namespace
+namespace {}  // namespace
 
 TEST(NonFiniteChain, AProductOfHugeCellsOverflows) {
   CalibState c;

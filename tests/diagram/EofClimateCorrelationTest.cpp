@@ -8,8 +8,10 @@
 #include <vector>
 
 #include "diagram/EofClimateCorrelation.h"
+#include "support/Checks.h"
 
 using namespace varnoth;
+using varnoth::test::Pearson;
 
 namespace {
 
@@ -31,20 +33,6 @@ Session Sites(long sites, long eofs, long params, unsigned seed) {
       s.ClimateData(i, p) = 10.0 * p + 3.0 * s.RefScores(i, (p - 1) % eofs + 1) + z(rng);
   }
   return s;
-}
-
-// Pearson's r as a textbook writes it: n sxy - sx sy over the roots.
-double Pearson(const std::vector<double>& x, const std::vector<double>& y) {
-  long double n = x.size(), sx = 0, sy = 0, sxx = 0, syy = 0, sxy = 0;
-  for (std::size_t i = 0; i < x.size(); ++i) {
-    sx += x[i];
-    sy += y[i];
-    sxx += (long double)x[i] * x[i];
-    syy += (long double)y[i] * y[i];
-    sxy += (long double)x[i] * y[i];
-  }
-  const long double d = std::sqrt((n * sxx - sx * sx) * (n * syy - sy * sy));
-  return d == 0 ? 0.0 : static_cast<double>((n * sxy - sx * sy) / d);
 }
 
 std::vector<double> Column(const Array2<double>& a, long rows, long c) {

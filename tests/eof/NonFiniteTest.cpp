@@ -10,6 +10,7 @@
 #include "reconstruction/AnalogueSearch.h"
 #include "state/Finite.h"
 #include "state/Import.h"
+#include "support/Checks.h"
 #include "support/Tables.h"
 #include "support/TestSupport.h"
 
@@ -17,16 +18,6 @@ using namespace varnoth;
 using namespace varnoth::test;
 
 namespace {
-
-FailureKind KindOf(const std::function<void()>& step) {
-  try {
-    step();
-  } catch (const RuntimeFailure& e) {
-    return e.kind();
-  }
-  ADD_FAILURE() << "no failure";
-  return FailureKind::InvalidCall;
-}
 
 struct NonFinite : ::testing::Test {
   TempDir dir;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "interpolation/InterpSupport.h"
+#include "support/Checks.h"
 
 using namespace varnoth;
 using namespace varnoth::test;
@@ -12,16 +13,6 @@ namespace {
 
 StationRow At(const std::string& name, double lon, double lat, std::vector<double> values = {}) {
   return {name, lon, lat, 0, 0, 0, std::move(values)};
-}
-
-FailureKind KindOf(const std::function<void()>& step) {
-  try {
-    step();
-  } catch (const RuntimeFailure& e) {
-    return e.kind();
-  }
-  ADD_FAILURE() << "no failure";
-  return FailureKind::InvalidCall;
 }
 
 }  // namespace
