@@ -206,7 +206,10 @@ class PhaseTeam {
  public:
   PhaseTeam(long parts, std::function<void(long)> part) : parts_(parts), part_(std::move(part)) {
     try {
-      if (parts_ > 1 && WorkerCount() > 1) helper_ = std::thread([this] { Help(); });
+      if (parts_ > 1 && WorkerCount() > 1) {
+        helper_ = std::thread([this] { Help(); });
+        KeepOffThisCore(helper_);
+      }
     } catch (const std::system_error&) {
       // No thread to be had: the caller does every part.
     }

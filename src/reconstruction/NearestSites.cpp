@@ -415,13 +415,17 @@ void FindNearest(const NearestInput& in, float* Key, int* Site,
 
   const bool weighted = in.ColumnWeights != nullptr;
   const std::thread::id caller = std::this_thread::get_id();
-  const unsigned workers = WorkerCount();
+  std::atomic<long> searched{0};
   ParallelRows(0, in.TargetCount - 1, 16, [&](long first, long last) {
-    // Only the calling thread reports, as a share of the whole.
+    // Every part counts its targets; only the calling thread reports.
+    long counted = 0;
     std::function<void(long)> report;
-    if (progress && std::this_thread::get_id() == caller)
+    if (progress)
       report = [&](long done) {
-        progress(std::min(in.TargetCount, done * static_cast<long>(workers)));
+        const long all =
+            searched.fetch_add(done - counted, std::memory_order_relaxed) + done - counted;
+        counted = done;
+        if (std::this_thread::get_id() == caller) progress(all);
       };
 #ifdef VARNOTH_X86
     if (HasAvx2()) {
@@ -477,10 +481,12 @@ void FindNearestAmongThemselves(const SelfInput& in, float* Key, int* Site,
   lists.reserve(workers);
   for (unsigned t = 0; t < workers; ++t) lists.emplace_back(panelCount * kPanel, in.Ranks);
   const bool weighted = in.ColumnWeights != nullptr;
+  const std::thread::id caller = std::this_thread::get_id();
   ParallelRows(0, static_cast<long>(workers) - 1, 1, [&](long first, long last) {
     for (long t = first; t <= last; ++t) {
       SelfLists& own = lists[static_cast<std::size_t>(t)];
-      const bool reports = t == 0;
+      // Whichever list the calling thread fills, it alone reports.
+      const bool reports = std::this_thread::get_id() == caller;
 #ifdef VARNOTH_X86
       if (HasAvx2()) {
         if (weighted)

@@ -131,6 +131,7 @@ class RowsAhead {
     values_.reserve(room * static_cast<std::size_t>(n + 1));
     try {
       thread_ = std::thread([this, &in, n, text] { Read(in.Part(start_), n, text); });
+      KeepOffThisCore(thread_);
     } catch (const std::system_error&) {
       // No thread to be had: the rows in order read everything.
     }
