@@ -2,6 +2,7 @@
 // The cell stream that every table reader uses. A comma and a line end both
 // end a cell, leading blanks are dropped, and double quotes around a cell are
 // removed. Lines play no part: a table is defined by its cell count alone.
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -40,8 +41,11 @@ class CellReader {
   CellReader() = default;
   void SkipByteOrderMark();
 
-  std::string owned_;       // content read into memory
-  void* mapped_ = nullptr;  // or the file mapped, when it could be
+  struct Release {
+    void operator()(char* p) const noexcept;
+  };
+  std::string owned_;                      // content given as text
+  std::unique_ptr<char, Release> buffer_;  // or a file's bytes, read into memory
   const char* data_ = nullptr;
   std::size_t size_ = 0;
   std::size_t pos_ = 0;

@@ -1,4 +1,9 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <thread>
 
 #include "state/CellReader.h"
 #include "state/Failure.h"
@@ -60,6 +65,47 @@ TEST(CellReader, MissingFileIsAFailure) {
   } catch (const RuntimeFailure& f) {
     EXPECT_EQ(f.kind(), FailureKind::FileNotFound);
   }
+}
+
+TEST(CellReader, AFileShortenedWhileItIsReadReadsAsItWasOpened) {
+  // Another program saving over the table while an import runs: the reader
+  // holds what the file was, and neither crashes nor sees half of each.
+  test::TempDir dir;
+  std::string text = "Site,A,B\r\n";
+  for (int i = 1; i <= 20000; ++i) text += "S" + std::to_string(i) + ",1.5,2.5\r\n";
+  const std::string path = dir.Write("table.csv", text);
+  CellReader r = CellReader::FromFile(path);
+  ASSERT_EQ(::truncate(path.c_str(), 10), 0);
+  std::size_t cells = 0;
+  std::string_view last;
+  while (r.Position() < r.Length()) {
+    last = r.Next();
+    ++cells;
+  }
+  EXPECT_EQ(cells, 3u * 20001u);
+  EXPECT_EQ(last, "2.5");
+}
+
+TEST(CellReader, AFileLargerThanItsFirstReadIsReadWhole) {
+  // A pipe has no size to go by: the buffer grows as the bytes come.
+  test::TempDir dir;
+  std::string text;
+  for (int i = 0; i < 30000; ++i) text += std::to_string(i) + ",";
+  text += "end";
+  const std::string fifo = dir.Path("pipe");
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  std::thread writer([&] {
+    std::FILE* out = std::fopen(fifo.c_str(), "w");
+    if (!out) return;
+    std::fwrite(text.data(), 1, text.size(), out);
+    std::fclose(out);
+  });
+  CellReader r = CellReader::FromFile(fifo);
+  writer.join();
+  EXPECT_EQ(r.Length(), text.size());
+  std::string_view last;
+  while (r.Position() < r.Length()) last = r.Next();
+  EXPECT_EQ(last, "end");
 }
 
 TEST(RecordWriter, QuotedRecordsWithCrLf) {
