@@ -2,6 +2,7 @@
 
 #include <pthread.h>
 #include <sched.h>
+#include <unistd.h>
 
 #include <climits>
 #include <condition_variable>
@@ -80,12 +81,13 @@ struct Job {
   }
 };
 
-// The cores this program may use, as it started.
+// The cores this program may use: those of its main thread, whichever
+// thread asks first.
 const cpu_set_t& Allowed() {
   static const cpu_set_t allowed = [] {
     cpu_set_t a;
     CPU_ZERO(&a);
-    if (sched_getaffinity(0, sizeof a, &a) != 0) CPU_ZERO(&a);
+    if (sched_getaffinity(getpid(), sizeof a, &a) != 0) CPU_ZERO(&a);
     return a;
   }();
   return allowed;
