@@ -39,15 +39,7 @@ void MeanAndDeviation(long count, F value, double& mean, double& deviation) {
   deviation = std::sqrt(Div(squares, count));
 }
 
-// Work on groups of 32 columns or slices of 256 rows, spread over the cores;
-// each column still sums its rows in index order.
-template <typename Body>
-void ForColumnGroups(long n, Body body) {
-  constexpr long kGroup = 32;
-  ParallelTasks((n + kGroup - 1) / kGroup,
-                [&](long t) { body(1 + t * kGroup, std::min(n, (t + 1) * kGroup)); });
-}
-
+// Work on slices of 256 rows, spread over the cores.
 template <typename Body>
 void ForRowSlices(long rows, Body body) {
   constexpr long kSlice = 256;

@@ -10,19 +10,6 @@
 
 namespace varnoth {
 
-namespace {
-
-// Columns 1..n in groups, spread over the cores; each column still takes
-// its rows in index order.
-template <typename Body>
-void ForColumnGroups(long n, Body body) {
-  constexpr long kGroup = 32;
-  ParallelTasks((n + kGroup - 1) / kGroup,
-                [&](long t) { body(1 + t * kGroup, std::min(n, (t + 1) * kGroup)); });
-}
-
-}  // namespace
-
 void DoProjection(Session& s, Progress& progress) {
   const long f = s.FossilSampleCount, n = s.FossilTaxaCount;
   progress.Start(n);
@@ -43,7 +30,7 @@ void DoProjection(Session& s, Progress& progress) {
   });
   // The fossil's own taxon means: a scratch value only.
   ForColumnGroups(n, [&](long j0, long j1) {
-    double sum[32] = {};
+    double sum[kColumnGroup] = {};
     for (long i = 1; i <= f; ++i) {
       const double* z = Z.Row(i, n);
       for (long j = j0; j <= j1; ++j) sum[j - j0] += z[j];
@@ -60,7 +47,7 @@ void DoProjection(Session& s, Progress& progress) {
   // Own statistics of the fossil scores, used below as the zero test alone.
   const Array2<double>& raw = s.FossilScoreRaw;
   ForColumnGroups(n, [&](long c0, long c1) {
-    double sum[32] = {}, squares[32] = {}, mean[32];
+    double sum[kColumnGroup] = {}, squares[kColumnGroup] = {}, mean[kColumnGroup];
     for (long i = 1; i <= f; ++i) {
       const double* r = raw.Row(i, n);
       for (long c = c0; c <= c1; ++c) sum[c - c0] += r[c];

@@ -35,4 +35,14 @@ void ParallelRows(long first, long last, long grain, const std::function<void(lo
 // for an even finish.
 void ParallelTasks(long count, const std::function<void(long)>& body);
 
+// Columns 1..n in groups of kColumnGroup, as tasks for the cores: a task
+// walks the rows in order for its group, so each column still takes its
+// rows in index order while memory is read row after row.
+constexpr long kColumnGroup = 32;
+template <typename Body>
+void ForColumnGroups(long n, Body body) {
+  ParallelTasks((n + kColumnGroup - 1) / kColumnGroup,
+                [&](long t) { body(1 + t * kColumnGroup, std::min(n, (t + 1) * kColumnGroup)); });
+}
+
 }  // namespace varnoth
