@@ -65,8 +65,12 @@ char* Allocate(std::size_t bytes) {
 void CellReader::Release::operator()(char* p) const noexcept { std::free(p); }
 
 CellReader CellReader::FromFile(const std::string& path) {
-  int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) throw RuntimeFailure(FailureKind::FileNotFound, path);
+  struct Closer {
+    int fd;
+    ~Closer() { ::close(fd); }
+  } closer{fd};
   // The whole file is read into memory at once rather than mapped: reading
   // a mapped file that another program shortens meanwhile ends the program
   // with a bus error, where a copy is only ever a snapshot.
@@ -86,14 +90,10 @@ CellReader CellReader::FromFile(const std::string& path) {
     }
     ssize_t got = ::read(fd, buffer.get() + have, capacity - have);
     if (got < 0 && errno == EINTR) continue;
-    if (got < 0) {
-      ::close(fd);
-      throw RuntimeFailure(FailureKind::FileNotFound, path);
-    }
+    if (got < 0) throw RuntimeFailure(FailureKind::FileNotFound, path);
     if (got == 0) break;
     have += static_cast<std::size_t>(got);
   }
-  ::close(fd);
   buffer.get()[have] = '\0';
   CellReader r;
   r.data_ = buffer.get();

@@ -4,6 +4,8 @@
 #include <sched.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
 #include <climits>
 #include <condition_variable>
 #include <cstdint>
