@@ -22,14 +22,8 @@ struct ImportAbort {
 // Where the read stands, for a user without the window: rows count the
 // header as row 1, columns the label as column 1; cells while the width is
 // sought; 0 where not known.
-struct Where {
+struct Where : ReadPlace {
   bool header = false;
-  long row = 0, column = 0, cell = 0;
-  void At(long r, long c) {
-    row = r;
-    column = c;
-    cell = 0;
-  }
 };
 
 // Rows of values as they arrive; the limits are those of a working matrix
@@ -311,7 +305,7 @@ InterpImportResult ImportData(Session& s, Count mode, const std::optional<std::s
   Where where;
   const std::string file = path ? *path : std::string("the file");
   auto place = [&](const std::string& what) {
-    std::string text = ReadProblemText(what, file, where.row, where.column, where.cell);
+    std::string text = where.Text(what, file);
     // Before the first row the table's form is still in doubt: say what
     // the file is when it is no text.
     return where.row == 0 ? text + FileKindHint(file) : text;

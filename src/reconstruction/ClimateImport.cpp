@@ -21,18 +21,8 @@ struct ClimateAbort {
 
 // Where the read stands: rows count the header as row 1, columns the site
 // name as column 1; 0 where not known.
-struct ClimateWhere {
+struct ClimateWhere : ReadPlace {
   bool header = false, rows = false;
-  long row = 0, column = 0, cell = 0;
-  void At(long r, long c) {
-    row = r;
-    column = c;
-    cell = 0;
-  }
-  void AtCell(long k) {
-    row = column = 0;
-    cell = k;
-  }
 };
 
 std::string NumericName(std::string_view cell) { return FormatGeneral(LenientParse(cell)); }
@@ -179,7 +169,7 @@ std::string Explain(FailureKind kind, const ClimateWhere& where) {
 }
 
 std::string Place(const std::string& what, const std::string& file, const ClimateWhere& where) {
-  std::string text = ReadProblemText(what, file, where.row, where.column, where.cell);
+  std::string text = where.Text(what, file);
   if (where.header) text += FileKindHint(file);
   return text;
 }

@@ -32,18 +32,8 @@ struct ImportAbort {
 // Where the read stands, so that a failure can say where it met the table.
 // Rows count the header as row 1 and columns the label as column 1, as a
 // spreadsheet shows them; 0 where the place is not known.
-struct Where {
+struct Where : ReadPlace {
   enum Stage { Reading, Header, Rows, Checking, Treating } stage = Reading;
-  long row = 0, column = 0, cell = 0;
-  void At(long r, long c) {
-    row = r;
-    column = c;
-    cell = 0;
-  }
-  void AtCell(long k) {
-    row = column = 0;
-    cell = k;
-  }
 };
 
 // The variables one import fills: the reference's or the fossil's.
@@ -405,7 +395,7 @@ std::string Explain(const RuntimeFailure& e, const Where& where) {
 }
 
 std::string Place(const std::string& what, const std::string& file, const Where& where) {
-  std::string text = ReadProblemText(what, file, where.row, where.column, where.cell);
+  std::string text = where.Text(what, file);
   if (where.stage == Where::Header) text += FileKindHint(file);
   return text;
 }

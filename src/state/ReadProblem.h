@@ -11,6 +11,23 @@ namespace varnoth {
 std::string ReadProblemText(const std::string& what, const std::string& file, long row, long column,
                             long cell);
 
+// Where a read stands, in the terms of ReadProblemText.
+struct ReadPlace {
+  long row = 0, column = 0, cell = 0;
+  void At(long r, long c) {
+    row = r;
+    column = c;
+    cell = 0;
+  }
+  void AtCell(long k) {
+    row = column = 0;
+    cell = k;
+  }
+  std::string Text(const std::string& what, const std::string& file) const {
+    return ReadProblemText(what, file, row, column, cell);
+  }
+};
+
 // A sentence on what the file is when it is no plain text ("The file is
 // UTF-16 text: ..."), else empty. Cells are read as single-byte text, so
 // such files fail with a cause that does not name the real trouble.
