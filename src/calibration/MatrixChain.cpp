@@ -3,19 +3,13 @@
 #include <cmath>
 #include <vector>
 
+#include "state/Clones.h"
 #include "state/Finite.h"
 #include "state/Format.h"
 
 namespace varnoth {
 
 namespace {
-
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && \
-    !defined(__SANITIZE_ADDRESS__)
-#define VARNOTH_CLONES __attribute__((target_clones("avx2", "default")))
-#else
-#define VARNOTH_CLONES
-#endif
 
 // y[j] += a * x[j]: one multiply and one add per element, in single
 // precision, so every vector width gives the same sums.

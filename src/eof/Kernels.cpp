@@ -1,13 +1,8 @@
 #include "eof/Kernels.h"
 
-namespace varnoth::kernels {
+#include "state/Clones.h"
 
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && \
-    !defined(__SANITIZE_ADDRESS__)
-#define VARNOTH_CLONES __attribute__((target_clones("avx2", "default")))
-#else
-#define VARNOTH_CLONES
-#endif
+namespace varnoth::kernels {
 
 VARNOTH_CLONES void AddScaled(double* __restrict y, const double* __restrict x, double a,
                               std::size_t n) {
