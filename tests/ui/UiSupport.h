@@ -4,6 +4,8 @@
 // one analysis clicked through.
 #include <QDir>
 #include <QFile>
+#include <QProcess>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <algorithm>
@@ -21,6 +23,32 @@
 namespace varnoth::uitest {
 
 inline std::string Example(const char* name) { return std::string(VARNOTH_EXAMPLES) + "/" + name; }
+
+// With VARNOTH_SHOTS set to a folder, the window as a case left it.
+inline void Shot(QWidget* w, const char* name) {
+  const QByteArray folder = qgetenv("VARNOTH_SHOTS");
+  if (folder.isEmpty()) return;
+  QCoreApplication::processEvents();
+  w->grab().save(QString::fromLocal8Bit(folder) + "/" + name + ".png");
+}
+
+inline QByteArray ReadAll(const QString& path) {
+  QFile f(path);
+  return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+#ifdef VARNOTH_BATCH
+// The batch runner on the example reference and fossil tables with `more`
+// arguments; true when it ends well.
+inline bool BatchOnExamples(const QStringList& more) {
+  QProcess p;
+  p.start(VARNOTH_BATCH,
+          QStringList{"--reference", QString::fromStdString(Example("reference.csv")), "--fossil",
+                      QString::fromStdString(Example("fossil.csv"))} +
+              more);
+  return p.waitForFinished(120000) && p.exitCode() == 0;
+}
+#endif
 
 struct MainFixture {
   Session session;

@@ -27,15 +27,11 @@
 using namespace varnoth;
 using varnoth::uitest::Example;
 using varnoth::uitest::MainFixture;
+using varnoth::uitest::ReadAll;
 
 namespace {
 
 enum Choice { Png1 = 0, Png2 = 1, Png4 = 2, Svg = 3, Pdf = 4 };
-
-QByteArray ReadAll(const QString& path) {
-  QFile f(path);
-  return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
 // The words of every text element, or "<invalid>" when the file is not
 // well-formed XML with an svg root.
@@ -385,8 +381,8 @@ void tst_FigureExport::eccScatterAsSvgAndPng() {
   const QString table = SvgText(f.Save(f.Action(e, "mnuSaveTablePicture"), "table.svg", Svg));
   QVERIFY2(table.contains("EOF-1"), qPrintable(table.left(300)));
   QVERIFY(table.contains(QString::fromStdString(f.session.ClimateParamNames(1))));
-  QVERIFY(table.contains(QRegularExpression("^-?0?\\.\\d\\d$|^-?\\d\\.\\d+$",
-                                            QRegularExpression::MultilineOption)));
+  QVERIFY(table.contains(
+      QRegularExpression("^-?0?\\.\\d\\d$|^-?\\d\\.\\d+$", QRegularExpression::MultilineOption)));
   const QImage tablePng(f.Save(f.Action(e, "mnuSaveTablePicture"), "table.png", Png1));
   QCOMPARE(tablePng.width(), e->Picture2->x() + e->Picture2->width() - e->Picture1->x());
   QCOMPARE(tablePng.height(), e->Picture2->y() + e->Picture2->height() - e->Picture0[0]->y());

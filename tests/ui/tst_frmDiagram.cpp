@@ -24,6 +24,7 @@
 #include <memory>
 
 #include "PixelSupport.h"
+#include "UiSupport.h"
 #include "diagram/Coniss.h"
 #include "envelope/Envelope.h"
 #include "eof/PreTreatment.h"
@@ -36,6 +37,7 @@
 #include "ui/frmDiagram.h"
 
 using namespace varnoth;
+using varnoth::uitest::Shot;
 
 namespace {
 
@@ -118,13 +120,6 @@ QStringList Lines(const QString& path) {
   QStringList lines = QString::fromLatin1(f.readAll()).split("\r\n");
   if (!lines.isEmpty() && lines.last().isEmpty()) lines.removeLast();
   return lines;
-}
-
-void Shot(QWidget* w, const char* name) {
-  const QByteArray folder = qgetenv("VARNOTH_SHOTS");
-  if (folder.isEmpty()) return;
-  QCoreApplication::processEvents();
-  w->grab().save(QString::fromLocal8Bit(folder) + "/" + name + ".png");
 }
 
 }  // namespace

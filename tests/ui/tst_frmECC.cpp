@@ -34,6 +34,7 @@
 using namespace varnoth;
 using varnoth::uitest::Example;
 using varnoth::uitest::MainFixture;
+using varnoth::uitest::Shot;
 
 namespace {
 
@@ -154,14 +155,6 @@ int InStrip(const Surface& s, double x, const QColor& colour) {
     for (int dx = -1; dx <= 1; ++dx)
       if (px + dx >= 0 && px + dx < img.width() && img.pixelColor(px + dx, y) == colour) ++n;
   return n;
-}
-
-// With VARNOTH_SHOTS set to a folder, the window as a case left it.
-void Shot(QWidget* w, const char* name) {
-  const QByteArray folder = qgetenv("VARNOTH_SHOTS");
-  if (folder.isEmpty()) return;
-  QCoreApplication::processEvents();
-  w->grab().save(QString::fromLocal8Bit(folder) + "/" + name + ".png");
 }
 
 }  // namespace

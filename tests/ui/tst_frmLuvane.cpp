@@ -38,13 +38,10 @@ using namespace varnoth;
 using varnoth::uitest::Example;
 using varnoth::uitest::Inked;
 using varnoth::uitest::Near;
+using varnoth::uitest::BatchOnExamples;
+using varnoth::uitest::ReadAll;
 
 namespace {
-
-QByteArray ReadAll(const QString& path) {
-  QFile f(path);
-  return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
 const QColor kGreen(0, 255, 0), kYellow(255, 255, 0), kRed(255, 0, 0), kGrey(126, 126, 126),
     kBlue(0, 0, 255), kNoData(200, 200, 200);
@@ -97,14 +94,8 @@ struct Tool : uitest::MainFixture {
 
 // The batch runner on the example data and the same two files.
 bool Batch(const QString& out, const std::string& stations, const std::string& targets) {
-  QProcess p;
-  const QStringList args = {"--reference", QString::fromStdString(Example("reference.csv")),
-                            "--fossil",    QString::fromStdString(Example("fossil.csv")),
-                            "--stations",  QString::fromStdString(stations),
-                            "--targets",   QString::fromStdString(targets),
-                            "--out",       out};
-  p.start(VARNOTH_BATCH, args);
-  return p.waitForFinished(120000) && p.exitCode() == 0;
+  return BatchOnExamples({"--stations", QString::fromStdString(stations), "--targets",
+                          QString::fromStdString(targets), "--out", out});
 }
 
 }  // namespace

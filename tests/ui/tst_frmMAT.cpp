@@ -34,13 +34,10 @@ using namespace varnoth;
 using varnoth::uitest::Example;
 using varnoth::uitest::Inked;
 using varnoth::uitest::Near;
+using varnoth::uitest::BatchOnExamples;
+using varnoth::uitest::ReadAll;
 
 namespace {
-
-QByteArray ReadAll(const QString& path) {
-  QFile f(path);
-  return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
 // The example road up to the open reconstruction window.
 struct Road : uitest::MainFixture {
@@ -79,14 +76,9 @@ struct Road : uitest::MainFixture {
 
 // Runs the batch runner on the example data; its files land in `out`.
 bool Batch(const QString& out, const QStringList& more) {
-  QProcess p;
-  QStringList args = {"--reference", QString::fromStdString(Example("reference.csv")),
-                      "--fossil",    QString::fromStdString(Example("fossil.csv")),
-                      "--climate",   QString::fromStdString(Example("climate.csv")),
-                      "--out",       out};
-  args += more;
-  p.start(VARNOTH_BATCH, args);
-  return p.waitForFinished(120000) && p.exitCode() == 0;
+  return BatchOnExamples(
+      QStringList{"--climate", QString::fromStdString(Example("climate.csv")), "--out", out} +
+      more);
 }
 
 // A core made by hand for the figure alone: text labels, one parameter.
