@@ -246,13 +246,7 @@ void frmLuvane::Load() {
     DrawCoastline();
   } else if (s_.SiteInfoLoaded) {
     // Open again for inspection of what was handed back.
-    const InterpolationState& in = s_.Interp;
-    Text1[0]->setText(Number(in.MinLat));
-    Text1[1]->setText(Number(in.MaxLat));
-    Text2[0]->setText(Number(in.MinLon));
-    Text2[1]->setText(Number(in.MaxLon));
-    LayOutMap();
-    RedrawInterpMap();
+    ShowStationRange();
     for (QWidget* w : std::initializer_list<QWidget*>{
              Command0, Command1, Command2, Command4, Option1[0], Option1[1], Combo1, Combo2, Text3})
       w->setEnabled(false);
@@ -260,6 +254,17 @@ void frmLuvane::Load() {
   }
   Picture1->update();
   s_.Interp.InterpWindowOpen = true;
+}
+
+// The stations' range in the four boxes, and the map drawn over it.
+void frmLuvane::ShowStationRange() {
+  const InterpolationState& in = s_.Interp;
+  Text1[0]->setText(Number(in.MinLat));
+  Text1[1]->setText(Number(in.MaxLat));
+  Text2[0]->setText(Number(in.MinLon));
+  Text2[1]->setText(Number(in.MaxLon));
+  LayOutMap();
+  RedrawInterpMap();
 }
 
 InterpolationSettings frmLuvane::Settings() const {
@@ -288,13 +293,7 @@ void frmLuvane::ImportData(Count mode) {
       return;
     }
     if (mode == kStationFile) {
-      const InterpolationState& in = s_.Interp;
-      Text1[0]->setText(Number(in.MinLat));
-      Text1[1]->setText(Number(in.MaxLat));
-      Text2[0]->setText(Number(in.MinLon));
-      Text2[1]->setText(Number(in.MaxLon));
-      LayOutMap();
-      RedrawInterpMap();
+      ShowStationRange();
       Command0->setEnabled(false);
       Command2->setEnabled(true);
       Command2->setFocus();

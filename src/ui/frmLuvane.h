@@ -57,6 +57,7 @@ class frmLuvane : public QMainWindow {
   void DrawMagnifier(double x, double y, double half);
   void HighlightAnalogues();
   void LayOutMap();
+  void ShowStationRange();
   InterpolationSettings Settings() const;
   const Coastline& Coast() const { return coast_; }
 
