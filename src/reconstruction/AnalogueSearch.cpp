@@ -180,7 +180,8 @@ Count Estimate(const Session& s, const AnalogueSettings& st, bool errorModel, co
 // The ranked lists of all targets by the literal scan: every dissimilarity
 // of the target, then one pass over all sites per rank.
 void LiteralLists(const Session& s, const AnalogueSettings& st, const CompareRows& c, long targets,
-                  Array2<float>& dist, Array2<Count>& site, Progress& progress) {
+                  Array2<float>& dist, Array2<Count>& site, Progress& progress,
+                  const analogue::Exclusion* excluded) {
   const long sites = s.RefSiteCount;
   std::vector<double> d(static_cast<std::size_t>(sites) + 1);
   for (long j = 1; j <= targets; ++j) {
@@ -195,6 +196,7 @@ void LiteralLists(const Session& s, const AnalogueSettings& st, const CompareRow
         const float fd = ToSingle(d[i]);
         if (!(fd < dist(j, r))) continue;
         if (s.ClimateData(i, 1) == kMissing) continue;
+        if (excluded && excluded->Excludes(j - 1, i - 1)) continue;
         site(j, 0) = 0;
         for (long q = 1; q < r; ++q)
           if (site(j, q) == i) site(j, 0) = 1;
@@ -251,7 +253,8 @@ void FastLists(const Session& s, const AnalogueSettings& st, const CompareRows& 
 
 // The error model's lists: the sites among themselves, each pair once.
 void FastSelfLists(const Session& s, const AnalogueSettings& st, const CompareRows& c,
-                   Array2<float>& dist, Array2<Count>& site, Progress& progress) {
+                   Array2<float>& dist, Array2<Count>& site, Progress& progress,
+                   const analogue::Exclusion* excluded) {
   const long sites = s.RefSiteCount;
   std::vector<unsigned char> eligible(static_cast<std::size_t>(sites));
   for (long i = 1; i <= sites; ++i) eligible[i - 1] = s.ClimateData(i, 1) != kMissing;
@@ -265,6 +268,7 @@ void FastSelfLists(const Session& s, const AnalogueSettings& st, const CompareRo
   in.Eligible = eligible.data();
   in.ColumnWeights = c.weights.empty() ? nullptr : c.weights.data();
   in.Ranks = ranks;
+  in.Excluded = excluded;
   analogue::FindNearestAmongThemselves(in, key.data(), chosen.data(),
                                        [&](long done) { progress.Step(done); });
   StoreLists(key, chosen, sites, ranks, dist, site);
@@ -274,15 +278,16 @@ void FastSelfLists(const Session& s, const AnalogueSettings& st, const CompareRo
 // sites themselves: by the plain loops when asked, or when a distance could
 // overflow a single; otherwise by the fast search.
 void SearchLists(const Session& s, const AnalogueSettings& st, bool fossilTargets, bool literal,
-                 Array2<float>& dist, Array2<Count>& site, Progress& progress) {
+                 Array2<float>& dist, Array2<Count>& site, Progress& progress,
+                 const analogue::Exclusion* excluded = nullptr) {
   const CompareRows c = Prepare(s, st, fossilTargets, !literal);
   const long targets = fossilTargets ? s.FossilSampleCount : s.RefSiteCount;
   if (literal || MightOverflowSingle(c))
-    LiteralLists(s, st, c, targets, dist, site, progress);
+    LiteralLists(s, st, c, targets, dist, site, progress, excluded);
   else if (fossilTargets)
     FastLists(s, st, c, targets, dist, site, progress);
   else
-    FastSelfLists(s, st, c, dist, site, progress);
+    FastSelfLists(s, st, c, dist, site, progress, excluded);
 }
 
 // Ends the progress display whatever the outcome.
@@ -344,23 +349,33 @@ void Reconstruct(Session& s, const AnalogueSettings& st, Progress& progress, boo
   RequireFinite(s.ReconHigh);
 }
 
-void ErrorModel(Session& s, const AnalogueSettings& st, Progress& progress, bool literal) {
+// The error model into `out`; with `excluded`, each site's candidates also
+// leave out the sites listed for it, and a site left with no candidate at
+// all because of them has no estimate, whatever the least count asks.
+void ErrorModel(const Session& s, const AnalogueSettings& st, Progress& progress, bool literal,
+                Array2<double>& out, const analogue::Exclusion* excluded = nullptr) {
   ProgressGuard guard{progress};
   progress.Start(s.RefSiteCount);
   CheckSettings(st);
   const long sites = s.RefSiteCount, params = s.ClimateParamCount;
-  s.ReconRefValue.ReDim(sites, params);
+  out.ReDim(sites, params);
   // The analogue lists of the sites are the run's own.
   Array2<float> dist(sites, st.MaxAnalogues);
   Array2<Count> site(sites, kMaxRanks);
   if (sites > 0) s.ClimateData.Require(sites, std::max(1L, params));
 
-  SearchLists(s, st, false, literal, dist, site, progress);
-  for (long t = 1; t <= sites; ++t)
+  SearchLists(s, st, false, literal, dist, site, progress, excluded);
+  for (long t = 1; t <= sites; ++t) {
+    if (excluded && site(t, 1) == 0 && excluded->AnyFor(t - 1)) {
+      for (long p = 1; p <= params; ++p) out(t, p) = kMissing;
+      out(t, 0) = 0;
+      continue;
+    }
     Estimate(s, st, true, dist.Row(t, st.MaxAnalogues), site.Row(t, kMaxRanks), st.MaxAnalogues,
-             s.ReconRefValue.Row(t, params));
+             out.Row(t, params));
+  }
   RequireFinite(dist);
-  RequireFinite(s.ReconRefValue);
+  RequireFinite(out);
 }
 
 }  // namespace
@@ -370,7 +385,13 @@ void RunReconstruction(Session& s, const AnalogueSettings& settings, Progress& p
 }
 
 void GenerateErrorModel(Session& s, const AnalogueSettings& settings, Progress& progress) {
-  ErrorModel(s, settings, progress, false);
+  ErrorModel(s, settings, progress, false, s.ReconRefValue);
+}
+
+void GenerateErrorModelExcluding(const Session& s, const AnalogueSettings& settings,
+                                 const analogue::Exclusion& excluded, Array2<double>& out,
+                                 Progress& progress, bool literal) {
+  ErrorModel(s, settings, progress, literal, out, &excluded);
 }
 
 void RunReconstructionLiteral(Session& s, const AnalogueSettings& settings, Progress& progress) {
@@ -378,7 +399,7 @@ void RunReconstructionLiteral(Session& s, const AnalogueSettings& settings, Prog
 }
 
 void GenerateErrorModelLiteral(Session& s, const AnalogueSettings& settings, Progress& progress) {
-  ErrorModel(s, settings, progress, true);
+  ErrorModel(s, settings, progress, true, s.ReconRefValue);
 }
 
 }  // namespace varnoth

@@ -5,6 +5,7 @@
 // search over the reference sites against themselves, leaving each site out
 // of its own estimate, as the error model.
 #include "reconstruction/AnalogueSettings.h"
+#include "reconstruction/NearestSites.h"
 #include "state/Dialogs.h"
 #include "state/Session.h"
 
@@ -24,6 +25,17 @@ void RunReconstruction(Session& s, const AnalogueSettings& settings, Progress& p
 // distance is below the threshold. The caller marks ErrorModelReady once the
 // scatter is shown. Progress runs over the sites.
 void GenerateErrorModel(Session& s, const AnalogueSettings& settings, Progress& progress);
+
+// The error model with sites kept apart (h-block cross-validation): as
+// GenerateErrorModel, but a site's candidates also leave out the sites that
+// `excluded` lists for it, and a site that keeps some sites out and is left
+// with no candidate at all has -9999 for every parameter and 0 analogues,
+// whatever MinAnalogues asks. Empty lists give GenerateErrorModel's values.
+// Writes `out` (site, parameter) and leaves ReconRefValue alone. With
+// `literal`, by the plain loops.
+void GenerateErrorModelExcluding(const Session& s, const AnalogueSettings& settings,
+                                 const analogue::Exclusion& excluded, Array2<double>& out,
+                                 Progress& progress, bool literal = false);
 
 // The same two operations written as plain loops on one thread: every
 // dissimilarity in full, then one scan of all sites per rank. They are the

@@ -264,9 +264,13 @@ struct SelfLists {
   std::vector<float> bound;  // the last key of each list, read by the filters
 };
 
-inline void OfferRow(SelfLists& lists, int ranks, long row, float k, int candidate) {
+inline void OfferRow(SelfLists& lists, int ranks, long row, float k, int candidate,
+                     const Exclusion* excluded) {
   float* key = lists.key.data() + row * ranks;
   int* site = lists.site.data() + row * ranks;
+  // Only a pair that would enter the list is looked up.
+  if (!Before(k, candidate, key[ranks - 1], site[ranks - 1])) return;
+  if (excluded && excluded->Excludes(row, candidate - 1)) return;
   Insert(key, site, ranks, k, candidate);
   lists.bound[static_cast<std::size_t>(row)] = key[ranks - 1];
 }
@@ -329,7 +333,8 @@ template <bool Weighted>
             const long col = col0 + l;
             const double d = lanes[t][l];
             if (d == 0.0 || col >= count || !eligible[col]) continue;
-            OfferRow(lists, ranks, row, static_cast<float>(d), static_cast<int>(col + 1));
+            OfferRow(lists, ranks, row, static_cast<float>(d), static_cast<int>(col + 1),
+                     in.Excluded);
           }
         }
         if (!both) continue;
@@ -351,7 +356,8 @@ template <bool Weighted>
             const long row = m * kBlock + t;
             const double d = lanes[t][l];
             if (d == 0.0 || row >= count || !eligible[row]) continue;
-            OfferRow(lists, ranks, col, static_cast<float>(d), static_cast<int>(row + 1));
+            OfferRow(lists, ranks, col, static_cast<float>(d), static_cast<int>(row + 1),
+                     in.Excluded);
           }
         }
       }
@@ -377,6 +383,14 @@ template <bool Weighted>
 #endif
 
 }  // namespace
+
+bool Exclusion::Excludes(long row, long other) const {
+  if (All) return true;
+  if (!Start) return false;
+  const int* first = Rows + Start[row];
+  const int* last = Rows + Start[row + 1];
+  return std::binary_search(first, last, static_cast<int>(other));
+}
 
 const char* NearestKernelName() {
 #ifdef VARNOTH_X86

@@ -37,6 +37,18 @@ struct NearestInput {
 void FindNearest(const NearestInput& in, float* Key, int* Site,
                  const std::function<void(long)>& progress = {});
 
+// Pairs of sites kept apart: row r (0-based) may not take the sites listed
+// for it, Rows[Start[r]] .. Rows[Start[r + 1] - 1], ascending and 0-based.
+// With All, no site may take any other.
+struct Exclusion {
+  const long* Start = nullptr;
+  const int* Rows = nullptr;
+  bool All = false;
+  bool Excludes(long row, long other) const;
+  // Whether row keeps any site out.
+  bool AnyFor(long row) const { return All || (Start && Start[row + 1] > Start[row]); }
+};
+
 // The same ranking for every site among the sites themselves, as the error
 // model needs: row r is site r + 1, and a site is a candidate when it is
 // eligible. A distance is symmetric, term by term, so each pair is summed
@@ -48,6 +60,8 @@ struct SelfInput {
   const unsigned char* Eligible = nullptr;  // per row: may be chosen
   const double* ColumnWeights = nullptr;
   int Ranks = 1;
+  // Sites that may not be each other's candidates (a symmetric relation).
+  const Exclusion* Excluded = nullptr;
 };
 void FindNearestAmongThemselves(const SelfInput& in, float* Key, int* Site,
                                 const std::function<void(long)>& progress = {});

@@ -31,6 +31,7 @@ class Options {
     return it == values_.end() ? fallback : it->second;
   }
   void Set(const std::string& name, const std::string& value) { values_[name] = value; }
+  void Erase(const std::string& name) { values_.erase(name); }
 
  private:
   std::map<std::string, std::string> values_;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Batch.h"
+#include "Cores.h"
 #include "state/Failure.h"
 
 using namespace varnoth;
@@ -28,6 +29,8 @@ std::vector<OptionSpec> AllOptions() {
 
 void PrintUsage(std::ostream& out) {
   out << "usage: varnoth-batch --reference FILE [--fossil FILE] [options] --out DIR\n"
+         "       varnoth-batch --reference FILE --climate FILE --cores LIST [options] --out DIR\n"
+         "                                (exit status 3: some cores failed, see failures.csv)\n"
          "       varnoth-batch            (runs the example data set into ./varnoth-out)\n"
          "       varnoth-batch --figures DIR   (the same, with its figures in DIR)\n\n";
   for (const OptionSpec& o : AllOptions()) {
@@ -113,14 +116,22 @@ int main(int argc, char** argv) {
     } else {
       if (!options.Has("--out")) throw UsageError{"--out is required"};
     }
+    // With --cores the steps check their options as for one core.
+    const Options checked = options.Has("--cores") ? CoresCheckOptions(options) : options;
     for (const Step& s : Steps())
-      if (s.Check) s.Check(options);
+      if (s.Check) s.Check(checked);
   } catch (const UsageError& e) {
     std::cerr << "varnoth-batch: " << e.Text << "\n";
     PrintUsage(std::cerr);
     return 2;
   }
 
+  if (options.Has("--cores")) try {
+      return RunCores(options, StampFrom(options));
+    } catch (const UsageError& e) {
+      std::cerr << "varnoth-batch: " << e.Text << "\n";
+      return 2;
+    }
   BatchDialogs dialogs(options.Has("--accept-names"));
   Session session;
   try {
