@@ -134,6 +134,10 @@ SitePositionsResult ReadSitePositions(const Session& reference,
   Session scratch;
   scratch.RefSiteCount = reference.RefSiteCount;
   scratch.RefSiteNames = reference.RefSiteNames;
+  // The reader lays out the lapse rates by the station table's columns: the
+  // five fixed ones are all a file of positions has.
+  scratch.Interp.InterpColumnCount = 5;
+  scratch.Interp.InterpParamNames.ReDim(5);
   const InterpImportResult read = ImportData(scratch, kTargetFile, path, dialogs);
   if (!read.Ok) {
     result.Problem = read.Problem;
