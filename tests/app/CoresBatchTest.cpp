@@ -2,13 +2,19 @@
 // core writes, byte for byte, the reference's files stand once at the top,
 // summary.csv repeats the cores' curve files in long form, and failing or
 // missing cores are listed in failures.csv without stopping the others.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
 
 #include <filesystem>
 #include <map>
 #include <set>
 
 #include "BatchProgram.h"
+
+extern char** environ;
 #include "support/TestSupport.h"
 
 namespace fs = std::filesystem;
@@ -79,6 +85,27 @@ std::string FarCore() {
     text += "\n";
   }
   return text;
+}
+
+// The peak resident memory of one run of the program, in kB.
+long PeakKilobytes(std::vector<std::string> args) {
+  args.insert(args.begin(), VARNOTH_BATCH);
+  std::vector<char*> argv;
+  for (auto& a : args) argv.push_back(a.data());
+  argv.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+  pid_t pid;
+  long peak = -1;
+  if (posix_spawn(&pid, VARNOTH_BATCH, &actions, nullptr, argv.data(), environ) == 0) {
+    int status = 0;
+    rusage usage{};
+    if (wait4(pid, &status, 0, &usage) == pid && WIFEXITED(status) && WEXITSTATUS(status) == 0)
+      peak = usage.ru_maxrss;
+  }
+  posix_spawn_file_actions_destroy(&actions);
+  return peak;
 }
 
 }  // namespace
@@ -286,4 +313,23 @@ TEST(Cores, AListFileThatIsNotThere) {
   const BatchResult r = RunCores(work, work.Path("nothing.txt"), "out");
   EXPECT_EQ(r.ExitCode, 1);
   EXPECT_EQ(r.Err, "Error: Cannot read the list of cores " + work.Path("nothing.txt") + ".\n");
+}
+
+TEST(Cores, MemoryStaysFlatInTheNumberOfCores) {
+  TempDir work;
+  auto peakFor = [&](int cores) {
+    std::string list;
+    for (int i = 0; i < cores; ++i) list += Example("fossil.csv") + "\n";
+    std::vector<std::string> args = Common();
+    const std::string name = "list" + std::to_string(cores);
+    args.insert(args.end(), {"--cores", work.Write(name + ".txt", list), "--out",
+                             work.Path("out" + std::to_string(cores))});
+    return PeakKilobytes(args);
+  };
+  const long few = peakFor(3), many = peakFor(150);
+  ASSERT_GT(few, 0);
+  ASSERT_GT(many, 0);
+  // 150 cores hold no more than 3 do, give or take the allocator.
+  EXPECT_LT(many, few + few / 10 + 1024) << few << " kB for 3 cores, " << many << " kB for 150";
+  EXPECT_TRUE(fs::exists(work.Path("out150/fossil-150/curve-all.csv")));
 }
