@@ -8,6 +8,8 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -332,4 +334,23 @@ TEST(Cores, MemoryStaysFlatInTheNumberOfCores) {
   // 150 cores hold no more than 3 do, give or take the allocator.
   EXPECT_LT(many, few + few / 10 + 1024) << few << " kB for 3 cores, " << many << " kB for 150";
   EXPECT_TRUE(fs::exists(work.Path("out150/fossil-150/curve-all.csv")));
+}
+
+TEST(Cores, OnATerminalProgressIsOneLineRewrittenInPlace) {
+  if (!fs::exists("/usr/bin/script")) GTEST_SKIP() << "no script(1) to give the run a terminal";
+  TempDir work;
+  const std::string command = std::string("/usr/bin/script -qc '") + VARNOTH_BATCH +
+                              " --reference " + Example("reference.csv") + " --climate " +
+                              Example("climate.csv") + " --cores " + Example("cores.txt") +
+                              " --out " + work.Path("out") + "' /dev/null";
+  FILE* pipe = popen(command.c_str(), "r");
+  ASSERT_NE(pipe, nullptr);
+  std::string text;
+  char buffer[4096];
+  for (std::size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) text.append(buffer, n);
+  pclose(pipe);
+  EXPECT_NE(text.find("\rCores 1 of 3 done"), std::string::npos) << text;
+  EXPECT_NE(text.find("\rCores 3 of 3 done"), std::string::npos) << text;
+  // One line end, after the last report.
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1) << text;
 }

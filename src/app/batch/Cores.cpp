@@ -333,8 +333,9 @@ int RunCores(const Options& o, const FileStamp& stamp) {
     const std::string folder = out + "/" + names[i];
     RecordWriter rows;
     const CoreResult r = RunCore(base, lent, o, path, folder, names[i], stamp, rows);
-    progress.Clear();
-    if (CoreFolderNames({path})[0] != names[i])
+    const bool again = CoreFolderNames({path})[0] != names[i];
+    if (again || !r.Ok) progress.Clear();
+    if (again)
       std::cerr << "Note: " << path << " is in the list again; its results are in " << names[i]
                 << "/\n";
     if (r.Ok) {
