@@ -13,6 +13,7 @@
 // sites lie over 35 x 60 degrees, placed so that neighbours share their
 // dominant taxon, as real surface samples do.
 #include <benchmark/benchmark.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
@@ -21,7 +22,6 @@
 #include <filesystem>
 #include <fstream>
 #include <numeric>
-#include <unistd.h>
 
 #include "Synthetic.h"
 #include "reconstruction/AnalogueSearch.h"
