@@ -15,6 +15,7 @@ that round to a point are dropped.
 """
 import subprocess
 import sys
+import tempfile
 
 MIN_AREA = 1500  # km2: the smallest island or lake kept
 TOLERANCE = 0.2  # degrees: how far a thinned line may stray
@@ -22,9 +23,11 @@ TOLERANCE = 0.2  # degrees: how far a thinned line may stray
 
 def shore_lines():
     """The shore lines of GMT's binned GSHHG, as lists of (lon, lat)."""
-    out = subprocess.run(
-        ["gmt", "coast", "--GMT_HISTORY=false", "-Rd", "-Dl", f"-A{MIN_AREA}/1/2", "-W1/0.25p", "-W2/0.25p", "-M"],
-        check=True, capture_output=True, text=True).stdout
+    # GMT leaves a history file where it runs: a folder of its own.
+    with tempfile.TemporaryDirectory() as folder:
+        out = subprocess.run(
+            ["gmt", "coast", "-Rd", "-Dl", f"-A{MIN_AREA}/1/2", "-W1/0.25p", "-W2/0.25p", "-M"],
+            check=True, capture_output=True, text=True, cwd=folder).stdout
     lines, current = [], []
     for row in out.splitlines():
         if row.startswith(">"):
