@@ -151,6 +151,7 @@ class TestFrmLuvane : public QObject {
   void blankCellInARowStopsTheImportUnderError();
   void windowStaysOnTheScreenWhenTheMapGrows();
   void accuracyWindowAndMagnifierDoNotCoverEachOther();
+  void coastHoldsTheGreatLakes();
 };
 
 void TestFrmLuvane::opensWithItsCaptionDefaultsAndButtonOrder() {
@@ -1219,6 +1220,32 @@ void TestFrmLuvane::accuracyWindowAndMagnifierDoNotCoverEachOther() {
   QVERIFY(!mag.intersects(acc));
   QVERIFY(screen.contains(mag));
   QVERIFY(screen.contains(acc));
+}
+
+void TestFrmLuvane::coastHoldsTheGreatLakes() {
+  Tool t;
+  const Coastline& coast = t.lv->Coast();
+  QVERIFY(coast.Segments.size() >= 8000 && coast.Segments.size() <= 20000);
+  // Shores of Lake Superior and Lake Erie, far from the sea.
+  auto within = [&](float west, float south, float east, float north) {
+    int n = 0;
+    for (const auto& g : coast.Segments)
+      if (g[0] >= west && g[0] <= east && g[1] >= south && g[1] <= north) ++n;
+    return n;
+  };
+  QVERIFY(within(-92.5f, 46.3f, -84.5f, 49.2f) > 20);
+  QVERIFY(within(-83.5f, 41.3f, -78.8f, 43.0f) > 10);
+  // The magnifier over Lake Erie shows its shore.
+  std::string table = "St,Lon,Lat,Alt,TL,PL,TJan\r\n";
+  table += "A,-90,35,0,-0.5,30,5\r\nB,-70,50,0,-0.5,30,6\r\n";
+  t.ImportStations(t.Write("lakes.csv", QByteArray::fromStdString(table)));
+  t.Click(-81.5, 42.3);
+  const Surface& m = t.lv->Magnifier()->Picture2->surface();
+  int grey = 0;
+  for (int y = 0; y < m.Image().height(); ++y)
+    for (int x = 0; x < m.Image().width(); ++x)
+      if (m.Image().pixelColor(x, y) == kGrey) ++grey;
+  QVERIFY(grey > 100);
 }
 
 QTEST_MAIN(TestFrmLuvane)
