@@ -17,6 +17,7 @@ void Correlate(Session& s, ScatterPairs& out, double sx, double sy) {
   InterpolationState& st = s.Interp;
   const long n = static_cast<long>(out.Points.size());
   st.InterpPairCount = ToCount(static_cast<long long>(n));
+  out.PairCountSet = true;
   out.MeanEstimate = Div(sx, static_cast<double>(n));
   out.MeanObserved = Div(sy, static_cast<double>(n));
   out.Counted = true;

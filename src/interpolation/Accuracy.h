@@ -26,6 +26,7 @@ struct ScatterPoint {
 
 struct ScatterPairs {
   std::vector<ScatterPoint> Points;  // stations with both values, in order
+  bool PairCountSet = false;         // InterpPairCount holds the count, also a count of 0
   bool Counted = false;              // the count and the means could be formed
   double MeanEstimate = 0, MeanObserved = 0;
   // The coefficient rounded to 4 decimals, and its label text; nothing when

@@ -39,9 +39,11 @@ class ValueRows {
     if (values_.size() < need) values_.resize(need, 0.0);
     return values_.data() + static_cast<std::size_t>(r) * Width();
   }
+  // The working matrix is 1000 columns wide whatever the table: a column
+  // beyond the table's reads 0.
   double At(long r, long c) {
-    if (c < 0 || c > columns_) ThrowSubscript();
-    return Row(r)[c];
+    if (c < 0 || c > kColumnUpper) ThrowSubscript();
+    return c > columns_ ? 0.0 : Row(r)[c];
   }
 
  private:

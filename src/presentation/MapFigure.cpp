@@ -69,10 +69,7 @@ std::pair<std::size_t, std::size_t> CoastPiece(const Coastline& coast, int piece
 
 void DrawCoastPiece(Surface& s, const Coastline& coast, int piece) {
   const auto [first, last] = CoastPiece(coast, piece);
-  for (std::size_t i = first; i < last; ++i) {
-    const auto& g = coast.Segments[i];
-    s.Line(g[0], g[1], g[2], g[3], kCoastColour);
-  }
+  if (last > first) s.Lines(coast.Segments.data() + first, last - first, kCoastColour);
 }
 
 void DrawCoastline(Surface& s, const Coastline& coast, const std::function<void(int)>& afterPiece) {

@@ -129,6 +129,30 @@ void Surface::Line(double x1, double y1, double x2, double y2, const QColor& col
   ops_.push_back({Operation::Line, ToPixel(x1, y1), ToPixel(x2, y2), 0, colour, {}, drawWidth_});
 }
 
+void Surface::Lines(const std::array<float, 4>* lines, std::size_t count, const QColor& colour) {
+  QPainter& p = Painter();
+  if (p.pen().color() != colour || p.pen().width() != drawWidth_ ||
+      p.pen().style() != Qt::SolidLine)
+    p.setPen(QPen(colour, drawWidth_));
+  const double sx = image_.width() / width_, sy = image_.height() / height_;
+  const double w = image_.width(), h = image_.height();
+  auto pixels = std::make_shared<std::vector<QLineF>>();
+  pixels->reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto& g = lines[i];
+    const double x1 = (g[0] - left_) * sx, y1 = (g[1] - top_) * sy;
+    const double x2 = (g[2] - left_) * sx, y2 = (g[3] - top_) * sy;
+    if ((x1 < -1 && x2 < -1) || (x1 > w + 1 && x2 > w + 1) || (y1 < -1 && y2 < -1) ||
+        (y1 > h + 1 && y2 > h + 1))
+      continue;
+    pixels->emplace_back(x1, y1, x2, y2);
+  }
+  p.drawLines(pixels->data(), static_cast<int>(pixels->size()));
+  Operation op{Operation::Lines, {}, {}, 0, colour, {}, drawWidth_};
+  op.Segments = std::move(pixels);
+  ops_.push_back(std::move(op));
+}
+
 void Surface::Ring(double x, double y, double r, const QColor& colour) {
   const int radius = static_cast<int>(std::lround(std::abs(r * image_.width() / width_)));
   if (radius != ringRadius_) {
@@ -366,6 +390,11 @@ void Surface::Replay(QPainter& p) const {
       case Operation::Line:
         p.setPen(QPen(op.Pen, op.Width));
         p.drawLine(op.A, op.B);
+        break;
+      case Operation::Lines:
+        p.setPen(QPen(op.Pen, op.Width));
+        // One element per line in a vector file, as drawn one by one.
+        for (const QLineF& line : *op.Segments) p.drawLine(line);
         break;
       case Operation::Outline:
         p.setPen(QPen(op.Pen, 1));

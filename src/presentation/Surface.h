@@ -5,9 +5,11 @@
 #include <QColor>
 #include <QHash>
 #include <QImage>
+#include <QLineF>
 #include <QPointF>
 #include <QStaticText>
 #include <QString>
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -55,6 +57,9 @@ class Surface {
   int DrawWidth() const { return drawWidth_; }
 
   void Line(double x1, double y1, double x2, double y2, const QColor& colour);
+  // Many straight lines of one colour, each (x1, y1, x2, y2) in user units,
+  // at the cost of one: a line wholly off the picture is left out.
+  void Lines(const std::array<float, 4>* lines, std::size_t count, const QColor& colour);
   void Box(double x1, double y1, double x2, double y2, const QColor& colour);
   void FilledBox(double x1, double y1, double x2, double y2, const QColor& colour);
   // An image stretched over the user rectangle, its pixels kept sharp: a
@@ -107,7 +112,7 @@ class Surface {
   // One drawing operation as the raster got it, kept so that the same
   // figure can be painted onto any device.
   struct Operation {
-    enum Kind { Fill, Line, Outline, FilledRect, Ellipse, Text, RotatedText, Image };
+    enum Kind { Fill, Line, Lines, Outline, FilledRect, Ellipse, Text, RotatedText, Image };
     Operation(Kind what, QPointF a, QPointF b, double radius, QColor pen, QColor brush,
               int width = 1)
         : What(what), A(a), B(b), Radius(radius), Pen(pen), Brush(brush), Width(width) {}
@@ -120,6 +125,7 @@ class Surface {
     double Points = 0;
     bool Bold = false, Italic = false;
     QImage Picture;  // an image stretched over A..B, pixel for pixel
+    std::shared_ptr<const std::vector<QLineF>> Segments;  // Lines, in pixels
   };
   std::vector<Operation> ops_;
   std::size_t backgroundOps_ = 0;  // how many of ops_ the stored background holds

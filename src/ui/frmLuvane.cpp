@@ -1,6 +1,7 @@
 #include "ui/frmLuvane.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -39,7 +40,37 @@ constexpr int kBeside = Pixels(4450);     // the controls to the right of the ma
 constexpr int kMapHeight = Pixels(5400);  // the map's height as designed
 constexpr int kMargin = 8;
 
+constexpr int kBoxWidth = 50;              // a bound box
+constexpr int kLatColumn = kBoxWidth + 4;  // the latitude boxes, left of the map
+constexpr float kBoundStep = 5;            // the step the bounds are rounded to
+
 QString Number(double v) { return QString::fromStdString(FormatGeneral(static_cast<float>(v))); }
+
+struct MapBounds {
+  float MinLat, MaxLat, MinLon, MaxLon;
+};
+
+// The stations' bounds as the map shows them. Stations on one parallel or
+// meridian at a multiple of 10 keep a span of 0 after the rounding: it is
+// widened by the rounding step on each side, so that the map stays a map.
+MapBounds StationBounds(const InterpolationState& in) {
+  MapBounds b{in.MinLat, in.MaxLat, in.MinLon, in.MaxLon};
+  if (b.MaxLat <= b.MinLat) {
+    b.MinLat -= kBoundStep;
+    b.MaxLat += kBoundStep;
+  }
+  if (b.MaxLon <= b.MinLon) {
+    b.MinLon -= kBoundStep;
+    b.MaxLon += kBoundStep;
+  }
+  return b;
+}
+
+// Out of the task bar and above the others.
+void BringToFront(QWidget* w) {
+  w->setWindowState(w->windowState() & ~Qt::WindowMinimized);
+  w->raise();
+}
 
 }  // namespace
 
@@ -159,13 +190,16 @@ void frmLuvane::BuildControls() {
 
 void frmLuvane::PlaceControls() {
   const int mapWidth = Picture1->width();
-  Picture1->move(kMargin, kMargin);
-  Text1[1]->setGeometry(kMargin, kMargin + mapHeight_ + 4, 50, 22);  // upper latitude
-  Text1[0]->setGeometry(kMargin + 54, kMargin + mapHeight_ + 4, 50, 22);
-  Text2[0]->setGeometry(kMargin + mapWidth - 104, kMargin + mapHeight_ + 4, 50, 22);
-  Text2[1]->setGeometry(kMargin + mapWidth - 50, kMargin + mapHeight_ + 4, 50, 22);
-  const int x = kMargin + mapWidth + kMargin;
-  const int w = kBeside - 3 * kMargin;
+  // Each bound at its corner of the map: the latitudes at the left edge,
+  // upper at the top, the longitudes under the map, western at the left.
+  const int left = kMargin + kLatColumn, bottom = kMargin + mapHeight_;
+  Picture1->move(left, kMargin);
+  Text1[1]->setGeometry(kMargin, kMargin, kBoxWidth, 22);
+  Text1[0]->setGeometry(kMargin, bottom - 22, kBoxWidth, 22);
+  Text2[0]->setGeometry(left, bottom + 4, kBoxWidth, 22);
+  Text2[1]->setGeometry(left + mapWidth - kBoxWidth, bottom + 4, kBoxWidth, 22);
+  const int x = left + mapWidth + kMargin;
+  const int w = kBeside - kLatColumn - 3 * kMargin;
   int y = kMargin;
   auto row = [&](QWidget* widget, int height = 28) {
     widget->setGeometry(x, y, w, height);
@@ -179,9 +213,9 @@ void frmLuvane::PlaceControls() {
   Label2->setGeometry(x + 112, y, 36, 24);
   Combo1->setGeometry(x + 150, y, w - 150, 24);
   y += 28;
-  Label3->setGeometry(x, y, 110, 24);
-  Text3->setGeometry(x + 112, y, 70, 24);
-  Combo2->setGeometry(x + 186, y, w - 186, 24);
+  Label3->setGeometry(x, y, 60, 24);
+  Text3->setGeometry(x + 62, y, 60, 24);
+  Combo2->setGeometry(x + 126, y, w - 126, 24);
   y += 32;
   row(Command3);
   row(Command1);
@@ -258,11 +292,11 @@ void frmLuvane::Load() {
 
 // The stations' range in the four boxes, and the map drawn over it.
 void frmLuvane::ShowStationRange() {
-  const InterpolationState& in = s_.Interp;
-  Text1[0]->setText(Number(in.MinLat));
-  Text1[1]->setText(Number(in.MaxLat));
-  Text2[0]->setText(Number(in.MinLon));
-  Text2[1]->setText(Number(in.MaxLon));
+  const MapBounds b = StationBounds(s_.Interp);
+  Text1[0]->setText(Number(b.MinLat));
+  Text1[1]->setText(Number(b.MaxLat));
+  Text2[0]->setText(Number(b.MinLon));
+  Text2[1]->setText(Number(b.MaxLon));
   LayOutMap();
   RedrawInterpMap();
 }
@@ -275,11 +309,9 @@ InterpolationSettings frmLuvane::Settings() const {
   return st;
 }
 
-double frmLuvane::Radius() const {
-  bool ok = false;
-  const double r = Text3->text().trimmed().toDouble(&ok);
-  return ok ? r : 0;
-}
+// Read as the run reads it, so that the circle and the square show the
+// reach the run used ("1,5" is 1).
+double frmLuvane::Radius() const { return LenientParse(Text3->text().toStdString()); }
 
 void frmLuvane::ImportData(Count mode) {
   QPushButton* button = mode == kStationFile ? Command0 : Command2;
@@ -312,21 +344,42 @@ void frmLuvane::ImportData(Count mode) {
 }
 
 void frmLuvane::LayOutMap() {
-  const InterpolationState& in = s_.Interp;
-  const double lonSpan = in.MaxLon - in.MinLon, latSpan = in.MaxLat - in.MinLat;
+  const MapBounds b = StationBounds(s_.Interp);
+  const double lonSpan = b.MaxLon - b.MinLon, latSpan = b.MaxLat - b.MinLat;
   if (lonSpan <= 0 || latSpan <= 0) return;
   int h = kMapHeight;
   int w = static_cast<int>(std::lround(lonSpan * h / latSpan));
-  // A map wider than the screen shrinks to it, its shape kept.
-  const int screen = AvailableArea(this).width();
-  if (w + kBeside > screen) {
-    w = std::max(1, screen - kBeside);
+  // A map wider than the screen shrinks to it, its shape kept; the frame's
+  // borders count, so that the whole window fits.
+  const QRect screen = AvailableArea(this);
+  const int borders = isVisible() ? frameGeometry().width() - width() : 0;
+  if (w + kBeside + borders > screen.width()) {
+    w = std::max(1, screen.width() - kBeside - borders);
     h = std::max(1, static_cast<int>(std::lround(w * latSpan / lonSpan)));
   }
   mapHeight_ = h;
   Picture1->setFixedSize(w, h);
   Picture1->surface().Resize(w, h);
   PlaceControls();
+  KeepOnScreen();
+}
+
+// The window grown by its map comes back wholly onto the screen.
+void frmLuvane::KeepOnScreen() {
+  const QRect frame = frameGeometry();
+  const QRect onScreen = OntoScreen(frame, AvailableArea(this));
+  if (onScreen.topLeft() != frame.topLeft()) move(onScreen.topLeft());
+}
+
+// The magnifier and the accuracy window stand beside the map window, the
+// later one under the earlier where both would take the same place.
+void frmLuvane::PlaceBesideMap(QWidget* window, const QWidget* other) {
+  PlaceBeside(window, this);
+  if (!other || !other->isVisible()) return;
+  QRect f = window->frameGeometry();
+  if (!f.intersects(other->frameGeometry())) return;
+  f.moveTop(other->frameGeometry().bottom() + 1);
+  window->move(OntoScreen(f, AvailableArea(this)).topLeft());
 }
 
 void frmLuvane::RedrawInterpMap() {
@@ -394,7 +447,9 @@ void frmLuvane::DoInterpolation() {
           mat_.Combo1->setCurrentIndex(0);
         }
         MarkNoDataTargets();
-        CorrelWindow()->Open();
+        frmLuvaneCorrel* correl = CorrelWindow();
+        if (NeverPlaced(correl)) PlaceBesideMap(correl, mag_);
+        correl->Open();
         if (!s_.ReconstructionOpen) {
           Command1->setEnabled(true);
           Command1->setFocus();
@@ -421,8 +476,12 @@ void frmLuvane::InputChanged(bool radius) {
 
 void frmLuvane::ReturnToVarnoth() {
   boundary_.Run([this] {
+    // Both windows of the analysis come to the front, the reconstruction
+    // on top.
+    for (QWidget* w : QApplication::topLevelWidgets())
+      if (w->objectName() == "frmMain") BringToFront(w);
+    BringToFront(&mat_);
     mat_.show();
-    mat_.raise();
     mat_.activateWindow();
     for (QWidget* w : std::initializer_list<QWidget*>{
              mat_.Option1[0], mat_.Option1[1], mat_.Option3[0], mat_.Option3[1], mat_.Slider1,
@@ -448,7 +507,7 @@ void frmLuvane::ReturnToVarnoth() {
 frmLuvaneMag* frmLuvane::MagWindow() {
   if (!mag_) {
     mag_ = new frmLuvaneMag(*this);
-    PlaceBeside(mag_, this);
+    PlaceBesideMap(mag_, correl_);
   }
   return mag_;
 }

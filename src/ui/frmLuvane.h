@@ -96,6 +96,8 @@ class frmLuvane : public QMainWindow {
   void InputChanged(bool radius);
   void ReturnToVarnoth();
   void PlaceControls();
+  void KeepOnScreen();
+  void PlaceBesideMap(QWidget* window, const QWidget* other);
   double Radius() const;
   frmLuvaneMag* MagWindow();
   frmLuvaneCorrel* CorrelWindow();

@@ -36,6 +36,8 @@ frmLuvaneCorrel::frmLuvaneCorrel(Session& session, Dialogs& dialogs, frmMAT& mat
   setCentralWidget(c);
   Combo1 = Named(new QComboBox(c), "Combo1");
   Combo1->setEditable(true);
+  // A typed name chooses a column; it never becomes one of the list.
+  Combo1->setInsertPolicy(QComboBox::NoInsert);
   Combo1->setGeometry(8, 8, 200, 26);
   Label3 = Named(new QLabel("0.8888", c), "Label3");
   Label3->setGeometry(220, 8, 100, 26);
@@ -64,6 +66,9 @@ frmLuvaneCorrel::frmLuvaneCorrel(Session& session, Dialogs& dialogs, frmMAT& mat
   mnuCopyScatter->setObjectName("mnuCopyScatter");
 
   connect(Combo1, &QComboBox::textActivated, this, &frmLuvaneCorrel::ChooseParameter);
+  // A name typed and left counts as chosen.
+  connect(Combo1->lineEdit(), &QLineEdit::editingFinished, this,
+          [this] { ChooseParameter(Combo1->currentText()); });
   for (QLineEdit* t : Text1)
     connect(t, &QLineEdit::textChanged, this, [this] {
       boundary_.Run([this] {
@@ -138,8 +143,9 @@ void frmLuvaneCorrel::DrawScatterPL() {
   const double radius = std::abs(pic.ScaleWidth()) / 100;
   for (const ScatterPoint& p : pairs.Points) pic.Circle(p.Estimate, p.Observed, radius, kBlue);
   pic.StoreBackground();
-  // The count goes beside "N1 =" of the calibration tool.
-  if (pairs.Counted && mat_.Calib()) {
+  // The count goes beside "N1 =" of the calibration tool, before the means
+  // that a count of 0 cannot form.
+  if (pairs.PairCountSet && mat_.Calib()) {
     const std::string n = std::to_string(pairs.Points.size());
     mat_.Calib()->Labels.Label12[1] = n;
     if (mat_.CalibWindow()) mat_.CalibWindow()->Label12[1]->setText(QString::fromStdString(n));
@@ -148,17 +154,34 @@ void frmLuvaneCorrel::DrawScatterPL() {
   Picture3->update();
 }
 
+void frmLuvaneCorrel::ShowColumnNamed(const QString& name) {
+  InterpolationState& in = s_.Interp;
+  for (long k = 6; k <= in.InterpColumnCount; ++k)
+    if (QString::fromStdString(in.InterpParamNames(k)) == name)
+      in.InterpCurrentParam = static_cast<Count>(k);
+  AutoScale();
+  DrawScatterPL();
+}
+
 void frmLuvaneCorrel::ChooseParameter(const QString& name) {
   boundary_.Run([this, name] {
-    InterpolationState& in = s_.Interp;
-    for (long k = 6; k <= in.InterpColumnCount; ++k)
-      if (QString::fromStdString(in.InterpParamNames(k)) == name)
-        in.InterpCurrentParam = static_cast<Count>(k);
-    AutoScale();
-    DrawScatterPL();
+    ShowColumnNamed(name);
     const QSignalBlocker quiet(mat_.Combo1);
     const int at = mat_.Combo1->findText(name, Qt::MatchExactly);
     if (at >= 0) mat_.Combo1->setCurrentIndex(at);
+  });
+}
+
+void frmLuvaneCorrel::FollowParameter(const QString& name) {
+  boundary_.Run([this, name] {
+    {
+      const QSignalBlocker quiet(Combo1);
+      const int at = Combo1->findText(name, Qt::MatchExactly);
+      if (at >= 0) Combo1->setCurrentIndex(at);
+    }
+    // The reconstruction's lookup has pointed the pairs at the first
+    // column: the list's own name decides what is drawn and saved.
+    ShowColumnNamed(Combo1->currentText());
   });
 }
 

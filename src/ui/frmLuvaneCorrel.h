@@ -32,6 +32,9 @@ class frmLuvaneCorrel : public QMainWindow {
   void DrawScatterPL();
   // The pointer over the scatter, in its units: the tool tip.
   void MoveOnScatter(double x, double y);
+  // The reconstruction chose `name`: the list shows it and the scatter, the
+  // count and the saved matrix follow the list.
+  void FollowParameter(const QString& name);
 
   QComboBox* Combo1 = nullptr;
   std::array<QLineEdit*, 2> Text1{};
@@ -47,6 +50,7 @@ class frmLuvaneCorrel : public QMainWindow {
 
  private:
   void ChooseParameter(const QString& name);
+  void ShowColumnNamed(const QString& name);
   void SaveMatrix();
 
   Session& s_;

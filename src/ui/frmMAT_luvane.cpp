@@ -33,13 +33,10 @@ void frmMAT::FollowParameterInLuvane() {
     s_.Interp.InterpCurrentParam = 1;
     if (calib_ && s_.Interp.InterpPairEstimates.Allocated()) CopyAccuracyPairs(*calib_, s_);
   }
-  // The accuracy scatter's list shows the same parameter.
-  if (luvane_ && luvane_->Correl() && s_.Interp.InterpCorrelOpen) {
-    QComboBox* list = luvane_->Correl()->Combo1;
-    const QSignalBlocker quiet(list);
-    const int at = list->findText(Combo1->currentText(), Qt::MatchExactly);
-    if (at >= 0) list->setCurrentIndex(at);
-  }
+  // The accuracy scatter's list shows the same parameter, and the scatter
+  // follows its list.
+  if (luvane_ && luvane_->Correl() && s_.Interp.InterpCorrelOpen)
+    luvane_->Correl()->FollowParameter(Combo1->currentText());
 }
 
 }  // namespace varnoth

@@ -111,6 +111,7 @@ TEST_F(AccuracyFixture, AColumnWithoutPairsStopsBeforeTheCoefficient) {
   s.Interp.InterpPairCount = 7;
   ScatterPairs p = ScatterPairsPL(s);
   EXPECT_TRUE(p.Points.empty());
+  EXPECT_TRUE(p.PairCountSet);  // the count of 0 is shown
   EXPECT_FALSE(p.Counted);
   EXPECT_FALSE(p.Correlation);
   EXPECT_FALSE(p.Packed);

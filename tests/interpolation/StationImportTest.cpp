@@ -372,8 +372,24 @@ TEST_F(InterpFixture, TargetsNeedTheStationTableAndTheirFiveColumns) {
   EXPECT_FALSE(first.Ok);
   EXPECT_EQ(first.Failure, FailureKind::SubscriptOutOfRange);
   ASSERT_TRUE(Stations(StationCsv(kTwoParams, ThreeStations())).Ok);
-  auto narrow = Targets("Site,Lon,Lat,Alt\r\nS1,1,2,3\r\nS2,1,2,3\r\n", "narrow.csv");
-  EXPECT_FALSE(narrow.Ok);
-  EXPECT_FALSE(s.Interp.InterpTargetLoaded);
-  EXPECT_EQ(s.Interp.InterpTargetCount, 2);
+}
+
+TEST_F(InterpFixture, NarrowTargetsReadTheMissingColumnsAsZero) {
+  Sites({"S1", "S2"});
+  ASSERT_TRUE(Stations(StationCsv(kTwoParams, ThreeStations())).Ok);
+  // Nothing tests a target table's width: the lapse rates it lacks are 0,
+  // and so is the altitude of a table of positions alone.
+  auto narrow = Targets("Site,Lon,Lat,Alt\r\nS1,1,2,3\r\nS2,4,5,6\r\n", "narrow.csv");
+  ASSERT_TRUE(narrow.Ok);
+  const InterpolationState& in = s.Interp;
+  EXPECT_TRUE(in.InterpTargetLoaded);
+  EXPECT_EQ(in.InterpTargetCount, 2);
+  EXPECT_EQ(in.SiteLongitude(2), 4.0f);
+  EXPECT_EQ(in.SiteAltitude(2), 6.0f);
+  for (long i = 1; i <= 2; ++i)
+    for (long k = 4; k <= in.InterpColumnCount; ++k) EXPECT_EQ(in.InterpTargetLapse(i, k), 0.0);
+  auto two = Targets("Site,Lon,Lat\r\nS1,7,8\r\nS2,9,10\r\n", "two.csv");
+  ASSERT_TRUE(two.Ok);
+  EXPECT_EQ(in.SiteLatitude(2), 10.0f);
+  EXPECT_EQ(in.SiteAltitude(1), 0.0f);
 }

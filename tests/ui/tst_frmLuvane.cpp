@@ -25,6 +25,7 @@
 #include "app/shots/StationTables.h"
 #include "interpolation/Interpolation.h"
 #include "presentation/MapFigure.h"
+#include "state/Format.h"
 #include "ui/PictureBox.h"
 #include "ui/WindowPlacement.h"
 #include "ui/frmCalib.h"
@@ -35,10 +36,10 @@
 #include "ui/frmMAT.h"
 
 using namespace varnoth;
+using varnoth::uitest::BatchOnExamples;
 using varnoth::uitest::Example;
 using varnoth::uitest::Inked;
 using varnoth::uitest::Near;
-using varnoth::uitest::BatchOnExamples;
 using varnoth::uitest::ReadAll;
 
 namespace {
@@ -140,6 +141,17 @@ class TestFrmLuvane : public QObject {
   void hoverOnTheMagnifierNamesAndShowsTheReach();
   void editedScatterBoundsRedrawTheScatter();
   void calibrationTakesTheStationPairsOfTheParameter();
+  void typedParameterNameLeftCountsAsChosen();
+  void narrowTargetFileReadsTheMissingColumnsAsZero();
+  void radiusIsReadAsTheRunReadsIt();
+  void returnBringsBothWindowsToTheFront();
+  void boundBoxesStandAtTheMapsCorners();
+  void zeroPairColumnShowsZeroBesideN1();
+  void stationsOnOneParallelAndMeridianKeepAMap();
+  void blankCellInARowStopsTheImportUnderError();
+  void windowStaysOnTheScreenWhenTheMapGrows();
+  void accuracyWindowAndMagnifierDoNotCoverEachOther();
+  void coastHoldsTheGreatLakes();
 };
 
 void TestFrmLuvane::opensWithItsCaptionDefaultsAndButtonOrder() {
@@ -162,8 +174,19 @@ void TestFrmLuvane::opensWithItsCaptionDefaultsAndButtonOrder() {
   QCOMPARE(t.lv->Option1[0]->text(), QString("Minimum distance"));
   QCOMPARE(t.lv->Combo1->currentText(), QString("-2"));
   QCOMPARE(t.lv->Combo1->count(), 2);
+  QCOMPARE(t.lv->Combo1->itemText(0), QString("-1"));
+  QCOMPARE(t.lv->Combo1->itemText(1), QString("-2"));
   QCOMPARE(t.lv->Text3->text(), QString("3"));
   QCOMPARE(t.lv->Combo2->currentText(), QString("Degree"));
+  QCOMPARE(t.lv->Combo2->count(), 2);
+  QCOMPARE(t.lv->Combo2->itemText(1), QString("km"));
+  QCOMPARE(t.lv->Label1->text(), QString("Weighting factor:"));
+  QCOMPARE(t.lv->Label2->text(), QString("w = d"));
+  QCOMPARE(t.lv->Label3->text(), QString("Radius:"));
+  QCOMPARE(t.lv->mnuHelpTag->title(), QString("Help"));
+  QCOMPARE(t.lv->mnuHelp->text(), QString("Help"));
+  QCOMPARE(t.lv->mnuRBTag->title(), QString("RightButton"));
+  QCOMPARE(t.lv->mnuCopyMap->text(), QString("Copy"));
   QVERIFY(!t.lv->Combo2->isEnabled());
   QCOMPARE(t.lv->Text1[0]->text(), QString("-90"));
   QCOMPARE(t.lv->Text1[1]->text(), QString("90"));
@@ -257,6 +280,8 @@ void TestFrmLuvane::targetFileWithWrongCountIsRefused() {
   t.ImportTargets(t.Write("fewer.csv", QByteArray::fromStdString(demo::TargetTable(fewer))));
   QCOMPARE(t.dialogs.Messages.back().Text,
            std::string("Number of surface pollen sites inconsistent."));
+  QCOMPARE(t.dialogs.Messages.back().Title, std::string("Error"));
+  QCOMPARE(t.dialogs.Messages.size(), std::size_t(1));
   QVERIFY(t.lv->Command2->isEnabled());
   QVERIFY(!t.lv->Command3->isEnabled());
   QVERIFY(!t.session.Interp.InterpTargetLoaded);
@@ -600,17 +625,28 @@ void TestFrmLuvane::helpShowsTheFileFormats() {
   frmLuvaneHelp* h = t.lv->Help();
   QVERIFY(h && h->isVisible());
   QCOMPARE(h->windowTitle(), QString("Help"));
-  QStringList texts;
-  for (QLabel* l : h->findChildren<QLabel*>()) texts << l->text();
-  QVERIFY(texts.contains("First 5 collumns:"));
-  QVERIFY(texts.contains(
+  // Every line under its frame, in order: eight for the reference file,
+  // the first three again for the target file.
+  auto lines = [h](const QString& frame) {
+    QStringList texts;
+    for (QGroupBox* g : h->findChildren<QGroupBox*>())
+      if (g->title() == frame)
+        for (QLabel* l : g->findChildren<QLabel*>()) texts << l->text();
+    return texts;
+  };
+  const QStringList reference = {
+      "First 5 collumns:",
+      "Longitude / Latitude / Altitude / Temperature laps rate / Precipitation laps rate.",
+      "(Cordinates must be given in decimal values. )",
+      "Notes:",
+      "Temperature laps rate (increment per 100m) will be applied if the parameter name",
       "is one of the followings: \"T---\", \"MT---\", \"(T)---\", \"(t)---\", \"---(T)\", or "
-      "\"---(t)\"."));
-  QCOMPARE(texts.count("(Cordinates must be given in decimal values. )"), 2);
-  QStringList frames;
-  for (QGroupBox* g : h->findChildren<QGroupBox*>()) frames << g->title();
-  QVERIFY(frames.contains(" Reference data file format"));
-  QVERIFY(frames.contains(" Target data file format"));
+      "\"---(t)\".",
+      "Precipitation laps rate (increment per 100m) will be applied if the parameter name",
+      "is one of the followings: \"P---\", \"MP---\", \"(P)---\", \"(p)---\", \"---(P)\", or "
+      "\"---(p)\"."};
+  QCOMPARE(lines(" Reference data file format"), reference);
+  QCOMPARE(lines(" Target data file format"), reference.mid(0, 3));
 }
 
 void TestFrmLuvane::closeHidesAndUnloadClosesTheOthers() {
@@ -723,8 +759,9 @@ void TestFrmLuvane::mapWiderThanTheScreenShrinksWithItsShape() {
   // 360 by 20 degrees at the designed height of 360 pixels would be 6480
   // pixels wide: the map takes the screen's width less the controls.
   QVERIFY(t.lv->Picture1->height() < 360);
-  QCOMPARE(t.lv->Picture1->width(), screen.width() - (4450 + 7) / 15);
-  QVERIFY(t.lv->width() <= screen.width());
+  const int borders = t.lv->frameGeometry().width() - t.lv->width();
+  QCOMPARE(t.lv->Picture1->width(), screen.width() - (4450 + 7) / 15 - borders);
+  QVERIFY(screen.contains(t.lv->frameGeometry()));
   const double perLon = t.lv->Picture1->width() / 360.0;
   const double perLat = t.lv->Picture1->height() / 20.0;
   QVERIFY(std::abs(perLon - perLat) < 0.06);
@@ -734,11 +771,17 @@ void TestFrmLuvane::boundsBoxesAreReadAtTheNextRedraw() {
   Tool t;
   t.BothFiles();
   t.lv->Text2[0]->setText("0");
+  t.lv->Text2[1]->setText("25");
   t.lv->Text1[0]->setText("45");
+  t.lv->Text1[1]->setText("55");
+  // Nothing moves until the map is drawn again.
+  QVERIFY(t.Map().ScaleLeft() != 0.0);
   const InterpolationState& in = t.session.Interp;
   t.Click(in.InterpRefLon(1), in.InterpRefLat(1));
   QCOMPARE(t.Map().ScaleLeft(), 0.0);
+  QCOMPARE(t.Map().ScaleLeft() + t.Map().ScaleWidth(), 25.0);
   QCOMPARE(t.Map().ScaleTop() + t.Map().ScaleHeight(), 45.0);
+  QCOMPARE(t.Map().ScaleTop(), 55.0);
 }
 
 void TestFrmLuvane::flatColumnKeepsTheCoefficient() {
@@ -772,10 +815,36 @@ void TestFrmLuvane::parameterChosenInReconstructionFollowsInTheScatter() {
   QCoreApplication::processEvents();
   t.lv->Command3->click();  // the scatter open again beside the reconstruction
   QVERIFY(t.session.Interp.InterpCorrelOpen);
+  frmLuvaneCorrel* c = t.lv->Correl();
   t.mat->Combo1->setCurrentIndex(1);
   emit t.mat->Combo1->activated(1);
-  QCOMPARE(t.lv->Correl()->Combo1->currentText(), QString("TJul"));
-  QCOMPARE(t.session.Interp.InterpCurrentParam, Count{1});
+  // The list shows the name, and the scatter, its coefficient and the saved
+  // matrix are those of the name: TJul, column 7.
+  QCOMPARE(c->Combo1->currentText(), QString("TJul"));
+  QCOMPARE(t.session.Interp.InterpCurrentParam, Count{7});
+  const QString label = c->Label3->text();
+  const QString low = c->Text1[0]->text(), high = c->Text1[1]->text();
+  const std::string followed = (t.folder.path() + "/followed.csv").toStdString();
+  t.dialogs.SaveNames.push_back(followed);
+  c->mnuSave->trigger();
+  const QByteArray saved = ReadAll(QString::fromStdString(followed));
+  QVERIFY(saved.startsWith("\"TJul (Estimated)\",\"TJul (Observed)\"\r\n"));
+  // The same as choosing TJul in the scatter's own list.
+  emit c->Combo1->textActivated("TJan");
+  emit c->Combo1->textActivated("TJul");
+  QCOMPARE(c->Label3->text(), label);
+  QCOMPARE(c->Text1[0]->text(), low);
+  QCOMPARE(c->Text1[1]->text(), high);
+  const std::string chosen = (t.folder.path() + "/chosen.csv").toStdString();
+  t.dialogs.SaveNames.push_back(chosen);
+  c->mnuSave->trigger();
+  QCOMPARE(saved, ReadAll(QString::fromStdString(chosen)));
+  // The tool tip names the parameter of the list.
+  const InterpolationState& in = t.session.Interp;
+  long j = 1;
+  while (in.InterpRefEstimate(j, 7) == kMissing) ++j;
+  c->MoveOnScatter(in.InterpRefEstimate(j, 7), in.InterpRefClimate(j, 7));
+  QVERIFY(c->Picture3->toolTip().contains(", TJul="));
 }
 
 void TestFrmLuvane::cancelledTargetDialogEndsQuietly() {
@@ -834,7 +903,17 @@ void TestFrmLuvane::mapAndScatterSaveAsPictures() {
   QVERIFY(file.open(QIODevice::ReadOnly));
   const QByteArray text = file.readAll();
   QVERIFY(text.startsWith("<?xml"));
-  QVERIFY(text.count("<polyline") + text.count("<path") + text.count("<line") > 1000);
+  // Every coast segment with an end on the map is a line of its own.
+  const Surface& shown = t.Map();
+  const double west = shown.ScaleLeft(), east = west + shown.ScaleWidth();
+  const double north = shown.ScaleTop(), south = north + shown.ScaleHeight();
+  int onMap = 0;
+  for (const auto& g : t.lv->Coast().Segments)
+    if ((g[0] >= west && g[0] <= east && g[1] >= south && g[1] <= north) ||
+        (g[2] >= west && g[2] <= east && g[3] >= south && g[3] <= north))
+      ++onMap;
+  QVERIFY(onMap > 500);
+  QVERIFY(text.count("<polyline") + text.count("<path") + text.count("<line") >= onMap);
   frmLuvaneCorrel* c = t.lv->Correl();
   auto* scatter = c->findChild<QAction*>("mnuSavePictureScatter");
   QVERIFY(scatter && scatter->isEnabled());
@@ -927,6 +1006,246 @@ void TestFrmLuvane::calibrationTakesTheStationPairsOfTheParameter() {
   // N1 is the count of the accuracy check.
   QCOMPARE(cal->Label12[1]->text(), QString::number(in.InterpPairCount));
   QVERIFY(in.InterpPairCount > 250);
+}
+
+void TestFrmLuvane::typedParameterNameLeftCountsAsChosen() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  frmLuvaneCorrel* c = t.lv->Correl();
+  QLineEdit* edit = c->Combo1->lineEdit();
+  edit->selectAll();
+  QTest::keyClicks(edit, "PAnn");
+  QCOMPARE(c->Combo1->currentText(), QString("PAnn"));
+  QCOMPARE(t.session.Interp.InterpCurrentParam, Count{6});
+  // Leaving the list: the name counts as chosen.
+  QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
+  QApplication::sendEvent(edit, &out);
+  QCOMPARE(t.session.Interp.InterpCurrentParam, Count{8});
+  QCOMPARE(t.mat->Combo1->currentText(), QString("PAnn"));
+  QCOMPARE(c->Combo1->count(), 3);  // a typed name is no new entry
+  // Return in the list does the same.
+  edit->selectAll();
+  QTest::keyClicks(edit, "TJul");
+  QTest::keyClick(edit, Qt::Key_Return);
+  QCOMPARE(t.session.Interp.InterpCurrentParam, Count{7});
+  QCOMPARE(c->Combo1->count(), 3);
+  const std::string path = (t.folder.path() + "/typed.csv").toStdString();
+  t.dialogs.SaveNames.push_back(path);
+  c->mnuSave->trigger();
+  QVERIFY(ReadAll(QString::fromStdString(path)).startsWith("\"TJul (Estimated)\""));
+}
+
+void TestFrmLuvane::narrowTargetFileReadsTheMissingColumnsAsZero() {
+  Tool t;
+  t.ImportStations(t.stations);
+  // Positions and altitude only: the two lapse rates read 0.
+  std::string table = "Site,Longitude,Latitude,Altitude\r\n";
+  for (const demo::Site& site : t.sites)
+    table += site.Name + "," + demo::Cell(site.Lon) + "," + demo::Cell(site.Lat) + "," +
+             demo::Cell(site.Alt) + "\r\n";
+  t.ImportTargets(t.Write("narrow.csv", QByteArray::fromStdString(table)));
+  const InterpolationState& in = t.session.Interp;
+  QVERIFY(in.InterpTargetLoaded);
+  QVERIFY(t.dialogs.Messages.empty());
+  QVERIFY(!t.lv->Command2->isEnabled());
+  QVERIFY(t.lv->Command3->isEnabled());
+  QCOMPARE(in.InterpTargetCount, Count(t.sites.size()));
+  QCOMPARE(double(in.SiteAltitude(2)), std::nearbyint(t.sites[1].Alt * 100) / 100);
+  for (long k = 4; k <= in.InterpColumnCount; ++k) QCOMPARE(in.InterpTargetLapse(2, k), 0.0);
+  QVERIFY(Near(t.Map(), in.SiteLongitude(2), in.SiteLatitude(2), kYellow, 0));
+  t.lv->Command3->click();
+  QVERIFY(t.session.ClimateLoaded);
+  QVERIFY(t.lv->Command1->isEnabled());
+}
+
+void TestFrmLuvane::radiusIsReadAsTheRunReadsIt() {
+  Tool t;
+  t.BothFiles();
+  // "1,5" reads as 1 in the run: the reach circle and the grey square too.
+  t.lv->Text3->setText("1,5");
+  QCOMPARE(LenientParse(t.lv->Settings().Radius), 1.0);
+  const InterpolationState& in = t.session.Interp;
+  const double lon = in.SiteLongitude(4), lat = in.SiteLatitude(4);
+  t.Hover(lon, lat);
+  QVERIFY(Near(t.Map(), lon + 0.75, lat, kRed, 0));  // the radius line
+  QVERIFY(Near(t.Map(), lon, lat + 1, kRed, 1));     // the circle of radius 1
+  QVERIFY(!Near(t.Map(), lon, lat + 1.5, kRed, 1));
+  t.Click(lon, lat);
+  QVERIFY(Near(t.Map(), lon - 1.2, lat, kGrey, 1));  // the square's left edge
+  QVERIFY(Near(t.Map(), lon + 1.2, lat, kGrey, 1));
+}
+
+void TestFrmLuvane::returnBringsBothWindowsToTheFront() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  t.window->showMinimized();
+  t.mat->showMinimized();
+  QVERIFY(t.window->isMinimized());
+  t.lv->Command1->click();
+  QCoreApplication::processEvents();
+  QVERIFY(!t.window->isMinimized());
+  QVERIFY(!t.mat->isMinimized());
+  QVERIFY(t.window->isVisible());
+  QVERIFY(t.mat->isVisible());
+}
+
+void TestFrmLuvane::boundBoxesStandAtTheMapsCorners() {
+  Tool t;
+  t.ImportStations(t.stations);
+  auto frame = [&](QWidget* w) { return QRect(w->mapTo(t.lv, QPoint(0, 0)), w->size()); };
+  const QRect map = frame(t.lv->Picture1);
+  const QRect upperLat = frame(t.lv->Text1[1]), lowerLat = frame(t.lv->Text1[0]);
+  const QRect west = frame(t.lv->Text2[0]), east = frame(t.lv->Text2[1]);
+  // The latitudes left of the map, the upper at its top, the lower at its
+  // bottom; the longitudes under it, the western at its left.
+  QVERIFY(upperLat.right() < map.left() && lowerLat.right() < map.left());
+  QCOMPARE(upperLat.top(), map.top());
+  QCOMPARE(lowerLat.bottom(), map.bottom());
+  QVERIFY(west.top() > map.bottom() && east.top() > map.bottom());
+  QCOMPARE(west.left(), map.left());
+  QCOMPARE(east.right(), map.right());
+  QCOMPARE(t.lv->Text1[1]->text(), QString::number(t.session.Interp.MaxLat));
+  QCOMPARE(t.lv->Text2[1]->text(), QString::number(t.session.Interp.MaxLon));
+}
+
+void TestFrmLuvane::zeroPairColumnShowsZeroBesideN1() {
+  Tool t;
+  // Empty has no value at any station: no pair.
+  std::string table = "St,Lon,Lat,Alt,TL,PL,TJan,Empty\r\n";
+  demo::Lcg g(5);
+  for (int j = 1; j <= 120; ++j) {
+    const double lon = -8 + 36 * g.Next(), lat = 37 + 21 * g.Next();
+    table += "S" + std::to_string(j) + "," + demo::Cell(lon) + "," + demo::Cell(lat) +
+             ",0,-0.5,30," + demo::Cell(demo::TJan(lon, lat, 0)) + ",-9999\r\n";
+  }
+  t.ImportStations(t.Write("empty.csv", QByteArray::fromStdString(table)));
+  t.ImportTargets(t.targets);
+  t.lv->Command3->click();
+  t.lv->Command1->click();
+  QCoreApplication::processEvents();
+  t.mat->Command3->click();
+  t.mat->Command6->click();
+  QCoreApplication::processEvents();
+  frmCalib* cal = t.mat->CalibWindow();
+  QVERIFY(cal);
+  t.lv->Command3->click();
+  frmLuvaneCorrel* c = t.lv->Correl();
+  QVERIFY(c->isVisible());
+  QVERIFY(cal->Label12[1]->text().toInt() > 100);
+  emit c->Combo1->textActivated("Empty");
+  QCOMPARE(t.session.Interp.InterpCurrentParam, Count{7});
+  QCOMPARE(t.session.Interp.InterpPairCount, Count{0});
+  QCOMPARE(cal->Label12[1]->text(), QString("0"));
+}
+
+void TestFrmLuvane::stationsOnOneParallelAndMeridianKeepAMap() {
+  Tool t;
+  // All stations on the parallel 40 N, between 0 and 20 E.
+  std::string table = "St,Lon,Lat,Alt,TL,PL,TJan\r\n";
+  for (int j = 0; j <= 10; ++j)
+    table += "S" + std::to_string(j) + "," + std::to_string(2 * j) + ",40,0,-0.5,30,5\r\n";
+  t.ImportStations(t.Write("parallel.csv", QByteArray::fromStdString(table)));
+  QCOMPARE(t.lv->Text1[0]->text(), QString("35"));
+  QCOMPARE(t.lv->Text1[1]->text(), QString("45"));
+  QCOMPARE(t.lv->Text2[0]->text(), QString("0"));
+  QCOMPARE(t.lv->Text2[1]->text(), QString("20"));
+  Surface& map = t.Map();
+  QCOMPARE(map.ScaleTop(), 45.0);
+  QVERIFY(map.ScaleHeight() < 0);  // latitude grows upwards
+  // Twice as wide as high, a degree as long both ways.
+  QVERIFY(std::abs(t.lv->Picture1->width() - 2 * t.lv->Picture1->height()) <= 2);
+  // Small green discs, and the coast of Italy and Greece.
+  QVERIFY(Near(map, 10, 40, kGreen, 0));
+  QVERIFY(!Near(map, 10, 41, kGreen, 0));
+  int coast = 0;
+  for (int y = 0; y < map.Image().height(); ++y)
+    for (int x = 0; x < map.Image().width(); ++x)
+      if (map.Image().pixelColor(x, y) == kGrey) ++coast;
+  QVERIFY(coast > 200);
+  // A single station: a square of 10 degrees around it.
+  Tool u;
+  u.ImportStations(u.Write("one.csv",
+                           "St,Lon,Lat,Alt,TL,PL,TJan\r\nA,10,40,0,-0.5,30,5\r\n"
+                           "B,10,40,0,-0.5,30,6\r\n"));
+  QCOMPARE(u.lv->Text2[0]->text(), QString("5"));
+  QCOMPARE(u.lv->Text2[1]->text(), QString("15"));
+  QCOMPARE(u.lv->Text1[0]->text(), QString("35"));
+  QVERIFY(std::abs(u.lv->Picture1->width() - u.lv->Picture1->height()) <= 2);
+}
+
+void TestFrmLuvane::blankCellInARowStopsTheImportUnderError() {
+  Tool t;
+  const std::string blank = t.Write(
+      "blank.csv",
+      "St,Lon,Lat,Alt,TL,PL,TJan\r\nA,1,2,3,-0.5,30,5\r\nB,2,3,4,-0.5,30,6\r\nC,3,4,5,,30,7\r\n");
+  t.ImportStations(blank);
+  QCOMPARE(t.dialogs.Messages.size(), std::size_t(1));
+  QCOMPARE(t.dialogs.Messages[0].Text, std::string("Blanc cell detected."));
+  QCOMPARE(t.dialogs.Messages[0].Title, std::string("Error"));
+  QVERIFY(t.lv->Command0->isEnabled());
+  QVERIFY(!t.session.Interp.InterpRefLoaded);
+}
+
+void TestFrmLuvane::windowStaysOnTheScreenWhenTheMapGrows() {
+  Tool t;
+  const QRect screen = AvailableArea(t.lv);
+  // Stations over 180 by 60 degrees make a map three times as wide as high.
+  std::string table = "St,Lon,Lat,Alt,TL,PL,TJan\r\n";
+  table += "A,-120,-20,0,-0.5,30,5\r\nB,60,40,0,-0.5,30,6\r\nC,0,0,0,-0.5,30,7\r\n";
+  t.lv->move(screen.right() - t.lv->frameGeometry().width(), screen.top() + 10);
+  t.ImportStations(t.Write("wide.csv", QByteArray::fromStdString(table)));
+  QCoreApplication::processEvents();
+  QVERIFY2(screen.contains(t.lv->frameGeometry()),
+           qPrintable(QString("%1,%2 %3x%4")
+                          .arg(t.lv->frameGeometry().x())
+                          .arg(t.lv->frameGeometry().y())
+                          .arg(t.lv->frameGeometry().width())
+                          .arg(t.lv->frameGeometry().height())));
+  for (QPushButton* b : {t.lv->Command0, t.lv->Command3, t.lv->Command4})
+    QVERIFY(screen.contains(QRect(b->mapToGlobal(QPoint(0, 0)), b->size())));
+}
+
+void TestFrmLuvane::accuracyWindowAndMagnifierDoNotCoverEachOther() {
+  Tool t;
+  t.BothFiles();
+  const InterpolationState& in = t.session.Interp;
+  t.Click(in.SiteLongitude(4), in.SiteLatitude(4));
+  t.lv->Command3->click();
+  QCoreApplication::processEvents();
+  const QRect mag = t.lv->Magnifier()->frameGeometry(), acc = t.lv->Correl()->frameGeometry();
+  const QRect screen = AvailableArea(t.lv);
+  QVERIFY(t.lv->Magnifier()->isVisible() && t.lv->Correl()->isVisible());
+  QVERIFY(!mag.intersects(acc));
+  QVERIFY(screen.contains(mag));
+  QVERIFY(screen.contains(acc));
+}
+
+void TestFrmLuvane::coastHoldsTheGreatLakes() {
+  Tool t;
+  const Coastline& coast = t.lv->Coast();
+  QVERIFY(coast.Segments.size() >= 8000 && coast.Segments.size() <= 20000);
+  // Shores of Lake Superior and Lake Erie, far from the sea.
+  auto within = [&](float west, float south, float east, float north) {
+    int n = 0;
+    for (const auto& g : coast.Segments)
+      if (g[0] >= west && g[0] <= east && g[1] >= south && g[1] <= north) ++n;
+    return n;
+  };
+  QVERIFY(within(-92.5f, 46.3f, -84.5f, 49.2f) > 20);
+  QVERIFY(within(-83.5f, 41.3f, -78.8f, 43.0f) > 10);
+  // The magnifier over Lake Erie shows its shore.
+  std::string table = "St,Lon,Lat,Alt,TL,PL,TJan\r\n";
+  table += "A,-90,35,0,-0.5,30,5\r\nB,-70,50,0,-0.5,30,6\r\n";
+  t.ImportStations(t.Write("lakes.csv", QByteArray::fromStdString(table)));
+  t.Click(-81.5, 42.3);
+  const Surface& m = t.lv->Magnifier()->Picture2->surface();
+  int grey = 0;
+  for (int y = 0; y < m.Image().height(); ++y)
+    for (int x = 0; x < m.Image().width(); ++x)
+      if (m.Image().pixelColor(x, y) == kGrey) ++grey;
+  QVERIFY(grey > 100);
 }
 
 QTEST_MAIN(TestFrmLuvane)

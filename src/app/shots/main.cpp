@@ -200,6 +200,41 @@ void LuvaneShots(const std::string& reference, const std::string& fossil) {
   w.QuitProgram();
 }
 
+// The map over North America, stations around the Great Lakes, and the
+// magnifier on Lake Erie.
+void GreatLakesShots(const std::string& reference, const std::string& fossil) {
+  varnoth::Session session;
+  varnoth::ColourSettings colours;
+  varnoth::ScriptedDialogs dialogs;
+  dialogs.OpenNames = {reference, fossil};
+  varnoth::frmMain w(session, colours, dialogs);
+  w.SetEndProgram([] {});
+  w.show();
+  w.Command5->click();
+  w.CorrelVar()->Command1->click();
+  w.Command6->click();
+  w.Command8->click();
+  varnoth::frmMAT* mat = w.MATWindow();
+  mat->Command8->click();
+  varnoth::frmLuvane* lv = mat->LuvaneWindow();
+  std::string table = "Station,Longitude,Latitude,Altitude,T lapse,P lapse,TJan\r\n";
+  int n = 0;
+  for (int lon = -98; lon <= -66; lon += 4)
+    for (int lat = 36; lat <= 54; lat += 3)
+      table += "S" + std::to_string(++n) + "," + std::to_string(lon) + "," + std::to_string(lat) +
+               ",200,-0.6,25," + std::to_string(10 - (lat - 36)) + "\r\n";
+  QFile f(g_folder + "/stations-north-america.csv");
+  f.open(QIODevice::WriteOnly);
+  f.write(table.data(), static_cast<qint64>(table.size()));
+  f.close();
+  dialogs.OpenNames.push_back(f.fileName().toStdString());
+  lv->Command0->click();
+  Shot(lv, "luvane-north-america");
+  lv->ClickOnMap(-81.5, 42.3);
+  Shot(lv->Magnifier(), "luvane-magnifier-lake-erie");
+  w.QuitProgram();
+}
+
 }  // namespace
 
 // On a real X display, in x11.cpp.
@@ -300,6 +335,7 @@ int main(int argc, char* argv[]) {
   Shot(diagram, "diagram-coniss");
   ShotReconstruction(w, dialogs);
   LuvaneShots(reference, fossil);
+  GreatLakesShots(reference, fossil);
   EccShots(w, dialogs);
   diagram->hide();
 
