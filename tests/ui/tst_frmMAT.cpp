@@ -18,7 +18,9 @@
 #include <QRadioButton>
 #include <QSlider>
 #include <QTest>
+#include <array>
 #include <cmath>
+#include <map>
 
 #include "UiSupport.h"
 #include "presentation/ReconstructionFigure.h"
@@ -28,13 +30,14 @@
 #include "ui/PictureBox.h"
 #include "ui/frmColor.h"
 #include "ui/frmDiagram.h"
+#include "ui/frmLuvane.h"
 #include "ui/frmMAT.h"
 
 using namespace varnoth;
+using varnoth::uitest::BatchOnExamples;
 using varnoth::uitest::Example;
 using varnoth::uitest::Inked;
 using varnoth::uitest::Near;
-using varnoth::uitest::BatchOnExamples;
 using varnoth::uitest::ReadAll;
 
 namespace {
@@ -129,6 +132,76 @@ struct Core {
   }
 };
 
+// The test's own reading of a written file: quoted records split into
+// fields, each remembering whether it stood in double quotes.
+struct Field {
+  QString Text;
+  bool Quoted = false;
+};
+using Record = std::vector<Field>;
+
+std::vector<Record> Records(const QString& path) {
+  std::vector<Record> records;
+  const QString text = QString::fromUtf8(ReadAll(path));
+  for (const QString& line : text.split("\r\n", Qt::SkipEmptyParts)) {
+    Record r;
+    int i = 0;
+    while (i <= line.size()) {
+      Field f;
+      if (i < line.size() && line[i] == '"') {
+        const int close = line.indexOf('"', i + 1);
+        f.Text = line.mid(i + 1, close - i - 1);
+        f.Quoted = true;
+        i = close + 1;
+      } else {
+        const int comma = line.indexOf(',', i);
+        f.Text = line.mid(i, comma < 0 ? -1 : comma - i);
+        i = comma < 0 ? static_cast<int>(line.size()) : comma;
+      }
+      r.push_back(f);
+      ++i;  // the comma
+    }
+    records.push_back(r);
+  }
+  return records;
+}
+
+// Whether two fields agree: texts exactly, numbers within a relative
+// tolerance (single precision by default).
+bool Agree(const Field& a, const Field& b, double tolerance = 2.5e-7) {
+  if (a.Quoted || b.Quoted) return a.Quoted == b.Quoted && a.Text == b.Text;
+  bool okA = false, okB = false;
+  const double x = a.Text.toDouble(&okA), y = b.Text.toDouble(&okB);
+  if (!okA || !okB) return false;
+  return std::abs(x - y) <= tolerance * std::max(std::abs(x), std::abs(y));
+}
+
+// The first disagreement between two files read as records, or empty.
+QString Compare(const std::vector<Record>& mine, const std::vector<Record>& expected,
+                double tolerance = 2.5e-7) {
+  if (mine.size() != expected.size())
+    return QString("%1 records, expected %2").arg(mine.size()).arg(expected.size());
+  for (std::size_t i = 0; i < mine.size(); ++i) {
+    if (mine[i].size() != expected[i].size())
+      return QString("record %1: %2 fields, expected %3")
+          .arg(i + 1)
+          .arg(mine[i].size())
+          .arg(expected[i].size());
+    for (std::size_t j = 0; j < mine[i].size(); ++j)
+      if (!Agree(mine[i][j], expected[i][j], tolerance))
+        return QString("record %1 field %2: %3, expected %4")
+            .arg(i + 1)
+            .arg(j + 1)
+            .arg(mine[i][j].Text, expected[i][j].Text);
+  }
+  return QString();
+}
+
+// Files kept with the tests.
+QString TestData(const QString& name) {
+  return QString(VARNOTH_EXAMPLES) + "/../../tests/data/" + name;
+}
+
 }  // namespace
 
 class TestFrmMAT : public QObject {
@@ -172,6 +245,8 @@ class TestFrmMAT : public QObject {
   void mainCommand8OpensWindowAfterProjection();
   void scatterShowsSelectedEstimate();
   void enhancedDataShowEnhancementOnlyUnderEofValues();
+  void analogueDetailsFromClimateFileNameTheSites();
+  void analogueDetailsAfterInterpolationGiveFiveRecords();
 };
 
 void TestFrmMAT::loadStateBeforeClimate() {
@@ -921,6 +996,82 @@ void TestFrmMAT::enhancedDataShowEnhancementOnlyUnderEofValues() {
   QVERIFY(!m->Check2->isChecked());
   QVERIFY(!m->Check2->isEnabled());
   QCOMPARE(m->Settings().Enhance, AnalogueEnhance::None);
+}
+
+void TestFrmMAT::analogueDetailsFromClimateFileNameTheSites() {
+  Road r;
+  r.Climate();
+  const std::string path = r.Save(r.mat->mnuSaveDistAna2, "details.csv");
+  const std::vector<Record> mine = Records(QString::fromStdString(path));
+  // Two records per sample: the analogues' names, then their distances.
+  QVERIFY(mine.size() > 2);
+  QCOMPARE(mine[1][1].Text, QString("Analogue site name"));
+  QCOMPARE(mine[2][1].Text, QString("Squared chord distance"));
+  const QString diff =
+      Compare(mine, Records(TestData("reconstruction/expected/analogue-details-default.csv")));
+  QVERIFY2(diff.isEmpty(), qPrintable(diff));
+}
+
+void TestFrmMAT::analogueDetailsAfterInterpolationGiveFiveRecords() {
+  Road r;
+  r.mat->Command8->click();
+  frmLuvane* lv = r.mat->LuvaneWindow();
+  const QString stations = TestData("interpolation/stations.csv");
+  const QString targets = TestData("interpolation/targets.csv");
+  r.dialogs.OpenNames.push_back(stations.toStdString());
+  lv->Command0->click();
+  r.dialogs.OpenNames.push_back(targets.toStdString());
+  lv->Command2->click();
+  lv->Command3->click();
+  lv->Command1->click();  // "Return to Varnoth"
+  QCoreApplication::processEvents();
+  QVERIFY(r.session.SiteInfoLoaded);
+  QVERIFY(r.session.ReconstructionOpen);
+  QVERIFY(r.mat->mnuSaveDistAna->isEnabled());
+  const std::string path = r.Save(r.mat->mnuSaveDistAna, "details.csv");
+  const std::vector<Record> mine = Records(QString::fromStdString(path));
+
+  // The sites' positions as the target table gives them.
+  std::map<QString, std::array<double, 3>> place;
+  for (const Record& row : Records(targets))
+    if (row.size() >= 4 && !row[1].Quoted && row[1].Text.toDouble() != 0)
+      place[row[0].Text] = {row[1].Text.toDouble(), row[2].Text.toDouble(), row[3].Text.toDouble()};
+  QVERIFY(place.size() > 50);
+
+  // Every sample in five records: its label, what the record holds, then
+  // one field per analogue, nearest first.
+  const long n = r.session.FossilSampleCount;
+  QCOMPARE(mine.size(), std::size_t(1 + 5 * n));
+  QCOMPARE(mine[0][0].Text, QString("Depth"));
+  QCOMPARE(mine[0][1].Text, QString("Parameter"));
+  const QString kinds[] = {"Analogue site name", "Longitude", "Latitude", "Altitude",
+                           "Squared chord distance"};
+  for (long k = 0; k < n; ++k) {
+    const Record& names = mine[std::size_t(1 + 5 * k)];
+    QCOMPARE(names[0].Text, QString::fromStdString(r.session.FossilLabels(k + 1)));
+    for (int x = 0; x < 5; ++x) {
+      const Record& row = mine[std::size_t(1 + 5 * k + x)];
+      QCOMPARE(row[0].Text, names[0].Text);
+      QCOMPARE(row[1].Text, kinds[x]);
+      QCOMPARE(row.size(), names.size());
+    }
+    QVERIFY(names.size() > 2);
+    double last = 0;
+    for (std::size_t a = 2; a < names.size(); ++a) {
+      const Field& site = names[a];
+      QVERIFY(site.Quoted);
+      QVERIFY2(place.count(site.Text), qPrintable(site.Text));
+      for (int c = 0; c < 3; ++c) {
+        const Field& v = mine[std::size_t(2 + 5 * k + c)][a];
+        QVERIFY(!v.Quoted);
+        QVERIFY2(std::abs(v.Text.toDouble() - place[site.Text][std::size_t(c)]) < 1e-4,
+                 qPrintable(site.Text + " " + kinds[c + 1] + " " + v.Text));
+      }
+      const Field& d = mine[std::size_t(5 + 5 * k)][a];
+      QVERIFY(!d.Quoted && d.Text.toDouble() >= last);
+      last = d.Text.toDouble();
+    }
+  }
 }
 
 QTEST_MAIN(TestFrmMAT)
