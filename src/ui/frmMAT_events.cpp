@@ -245,12 +245,11 @@ void frmMAT::Option1Clicked() {
     for (QRadioButton* o : Option2) o->setEnabled(false);
     Command7->setEnabled(true);
   } else {
+    // The search reads the proportions, which pre-treatment leaves as they
+    // are: the dialog's enhancement is offered for them, and can be undone.
     Combo2->setEnabled(false);
-    // Proportions that pre-treatment already enhanced are not enhanced a
-    // second time: the box stays as the window opened it, unticked and off.
-    if (s_.EnhanceUsed) Check2->setChecked(false);
-    Check2->setEnabled(!s_.EnhanceUsed);
-    for (QRadioButton* o : Option2) o->setEnabled(Check2->isEnabled() && Check2->isChecked());
+    Check2->setEnabled(true);
+    for (QRadioButton* o : Option2) o->setEnabled(Check2->isChecked());
     Command7->setEnabled(false);
   }
   boundary_.Run([this] {

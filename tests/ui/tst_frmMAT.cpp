@@ -245,6 +245,7 @@ class TestFrmMAT : public QObject {
   void mainCommand8OpensWindowAfterProjection();
   void scatterShowsSelectedEstimate();
   void enhancedDataShowEnhancementOnlyUnderEofValues();
+  void taxaProportionsAfterEnhancedPreTreatmentMatchIndependentCurve();
   void analogueDetailsFromClimateFileNameTheSites();
   void analogueDetailsAfterInterpolationGiveFiveRecords();
 };
@@ -985,17 +986,52 @@ void TestFrmMAT::enhancedDataShowEnhancementOnlyUnderEofValues() {
   r.session.EnhanceUsed = true;
   r.Climate();
   frmMAT* m = r.mat;
+  // At load the box is unticked; the enhanced data disable it.
   QVERIFY(!m->Check2->isEnabled());
+  QVERIFY(!m->Check2->isChecked());
   QCOMPARE(m->Settings().Enhance, AnalogueEnhance::None);
   m->Option1[1]->click();
   QVERIFY(m->Check2->isChecked());
   QVERIFY(m->Option2[1]->isChecked());
   QVERIFY(!m->Check2->isEnabled());
+  QVERIFY(!m->Option2[0]->isEnabled() && !m->Option2[1]->isEnabled());
   QCOMPARE(m->Settings().Enhance, AnalogueEnhance::Log);
+  // Back on the proportions: the dialog's choice stands and can be changed.
   m->Option1[0]->click();
-  QVERIFY(!m->Check2->isChecked());
-  QVERIFY(!m->Check2->isEnabled());
+  QVERIFY(m->Check2->isChecked());
+  QVERIFY(m->Option2[1]->isChecked());
+  QVERIFY(m->Check2->isEnabled());
+  QVERIFY(m->Option2[0]->isEnabled() && m->Option2[1]->isEnabled());
+  QCOMPARE(m->Settings().Enhance, AnalogueEnhance::Log);
+  m->Check2->click();
+  QVERIFY(!m->Option2[0]->isEnabled() && !m->Option2[1]->isEnabled());
   QCOMPARE(m->Settings().Enhance, AnalogueEnhance::None);
+}
+
+void TestFrmMAT::taxaProportionsAfterEnhancedPreTreatmentMatchIndependentCurve() {
+  uitest::MainFixture f;
+  f.ImportReference(Example("reference.csv"));
+  f.window->CorrelVar()->Check1->click();  // "Enhance minor taxa", square root
+  f.Confirm();
+  f.ImportFossil(Example("fossil.csv"));
+  QVERIFY(f.session.EnhanceUsed);
+  f.window->Command8->click();
+  frmMAT* m = f.window->MATWindow();
+  f.dialogs.OpenNames.push_back(Example("climate.csv"));
+  m->Command1->click();
+  m->Option1[1]->click();
+  m->Option1[0]->click();
+  QVERIFY(m->Check2->isChecked() && m->Option2[0]->isChecked());
+  m->Slider3->setValue(8);  // eight analogues, no fewer
+  QCOMPARE(m->Slider1->value(), 8);
+  m->Check5->click();
+  const QString path = f.folder.path() + "/curves.csv";
+  f.dialogs.SaveNames.push_back(path.toStdString());
+  m->mnuSaveCurveAllVandE->trigger();
+  const QString diff =
+      Compare(Records(path),
+              Records(TestData("reconstruction/expected/curve-all-with-error-sqrt-k8.csv")), 1e-9);
+  QVERIFY2(diff.isEmpty(), qPrintable(diff));
 }
 
 void TestFrmMAT::analogueDetailsFromClimateFileNameTheSites() {
