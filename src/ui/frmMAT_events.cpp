@@ -352,6 +352,7 @@ void frmMAT::DrawReconstructionCurve() {
   Picture1->update();
   Picture3->update();
   if (s_.ErrorModelReady) DrawEstObsScatter();
+  DrawMatrixMarker();
   s_.ReconstructionOpen = true;
   for (QAction* a :
        {mnuSaveCurveEntry, mnuSaveCurve2Entry, mnuSaveCurveAllEntry, mnuSaveCurveAll2Entry,
@@ -369,7 +370,7 @@ void frmMAT::DrawEstObsScatter() {
   }
   SyncSurfaces();
   const Count p = s_.CurrentParameter;
-  varnoth::DrawEstObsScatter(s_, p, set, Picture2->surface());
+  varnoth::DrawEstObsScatter(s_, p, ScatterSet(), Picture2->surface());
   Picture2->update();
   s_.ErrorModelReady = true;
   Command3->setEnabled(false);
@@ -389,7 +390,7 @@ void frmMAT::GenerateErrorModel() {
           w->setVisible(true);
         Command3->setEnabled(false);
         SetPanelsOpen(true);
-        PlacePanels();
+        FitPanels();
         // 2, 3.
         ProgressBar1->raise();
         varnoth::GenerateErrorModel(s_, Settings(), progress_);
@@ -516,7 +517,7 @@ void frmMAT::Slider7Changed() {
     return;
   }
   pictureWidth_ = Slider7->value() * 2055 / 10 / 15;
-  PlacePanels();
+  FitPanels();
   boundary_.Run([this] { HistResize(); });
 }
 
@@ -565,9 +566,10 @@ void frmMAT::DrawMarker() {
     Picture3->update();
   }
   if (s_.ErrorModelReady && Picture2->surface().HasStoredBackground()) {
-    DrawScatterMarker(s_, s_.CurrentParameter, set, Picture2->surface());
+    DrawScatterMarker(s_, s_.CurrentParameter, ScatterSet(), Picture2->surface());
     Picture2->update();
   }
+  DrawMatrixMarker();
 }
 
 void frmMAT::SetSample(long sample) {

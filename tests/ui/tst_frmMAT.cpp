@@ -28,6 +28,8 @@
 #include "reconstruction/Curves.h"
 #include "state/Format.h"
 #include "ui/PictureBox.h"
+#include "ui/WindowPlacement.h"
+#include "ui/frmCalib.h"
 #include "ui/frmColor.h"
 #include "ui/frmDiagram.h"
 #include "ui/frmLuvane.h"
@@ -75,7 +77,52 @@ struct Road : uitest::MainFixture {
     entry->trigger();
     return path;
   }
+  // The error model, the calibration tool with the generated model and
+  // "Start", then its "Return".
+  void Returned() {
+    mat->Command3->click();
+    mat->Command6->click();
+    frmCalib* cal = mat->CalibWindow();
+    cal->Check4->click();
+    cal->Command3->click();
+    cal->Command10->click();
+    QCoreApplication::processEvents();
+  }
+  Surface& P4() { return mat->Picture4->surface(); }
 };
+
+// Where a widget stands on the screen.
+QRect OnScreen(const QWidget* w) { return QRect(w->mapToGlobal(QPoint(0, 0)), w->size()); }
+
+// Every picture shown lies wholly inside the window and the screen, and
+// none covers another; the message names the first that does not.
+QString PanelsFault(frmMAT* m) {
+  const QRect screen = AvailableArea(m);
+  const QRect window = m->geometry();
+  if (!screen.contains(m->frameGeometry())) return "window off the screen";
+  std::vector<PictureBox*> shown;
+  for (PictureBox* p : {m->Picture1, m->Picture2, m->Picture3, m->Picture4}) {
+    if (!p->isVisible()) continue;
+    const QRect g = OnScreen(p);
+    const QString where = QString("%1 at %2,%3 %4x%5 in window %6,%7 %8x%9")
+                              .arg(p->objectName())
+                              .arg(g.x())
+                              .arg(g.y())
+                              .arg(g.width())
+                              .arg(g.height())
+                              .arg(window.x())
+                              .arg(window.y())
+                              .arg(window.width())
+                              .arg(window.height());
+    if (!window.contains(g)) return where + ": outside the window";
+    if (!screen.contains(g)) return where + ": outside the screen";
+    for (PictureBox* q : shown)
+      if (OnScreen(q).intersects(g)) return where + ": over " + q->objectName();
+    if (p->width() < 20 || p->height() < 20) return where + ": too small to read";
+    shown.push_back(p);
+  }
+  return QString();
+}
 
 // Runs the batch runner on the example data; its files land in `out`.
 bool Batch(const QString& out, const QStringList& more) {
@@ -247,6 +294,9 @@ class TestFrmMAT : public QObject {
   void enhancedDataShowEnhancementOnlyUnderEofValues();
   void taxaProportionsAfterEnhancedPreTreatmentMatchIndependentCurve();
   void analogueDetailsFromClimateFileNameTheSites();
+  void returnShowsEveryPanelInsideWindowAndScreen();
+  void shortWindowStillShowsEveryPanel();
+  void matrixAndScatterShowSelectedEstimate();
   void analogueDetailsAfterInterpolationGiveFiveRecords();
 };
 
@@ -401,7 +451,10 @@ void TestFrmMAT::command3OpensPanelsAndResetClosesThem() {
   m->Command3->click();
   QVERIFY(r.session.ErrorModelReady);
   QVERIFY(m->PanelsOpen());
-  QCOMPARE(m->width(), narrow + m->Picture0->width());
+  // Wider by the panels, as far as the screen lets it be.
+  QVERIFY(m->width() > narrow);
+  QVERIFY(m->width() <= narrow + m->Picture0->width());
+  QVERIFY2(PanelsFault(m).isEmpty(), qPrintable(PanelsFault(m)));
   for (QWidget* w : std::initializer_list<QWidget*>{m->Picture2, m->Picture3, m->Slider7, m->Label7,
                                                     m->Frame6, m->Command4})
     QVERIFY2(w->isVisible(), qPrintable(w->objectName()));
@@ -895,8 +948,8 @@ void TestFrmMAT::slider7ResizesPicturesAndHeightHasMinimum() {
   r.Climate();
   frmMAT* m = r.mat;
   m->Command3->click();
-  m->Slider7->setValue(5);
-  QCOMPARE(m->Picture1->width(), 5 * 2055 / 10 / 15);
+  m->Slider7->setValue(3);
+  QCOMPARE(m->Picture1->width(), 3 * 2055 / 10 / 15);
   QCOMPARE(m->Picture2->width(), m->Picture2->height());
   QCOMPARE(m->Picture3->width(), m->Picture1->width());
   QCOMPARE(r.P1().Width(), m->Picture1->width());
@@ -1108,6 +1161,80 @@ void TestFrmMAT::analogueDetailsAfterInterpolationGiveFiveRecords() {
       last = d.Text.toDouble();
     }
   }
+}
+
+void TestFrmMAT::returnShowsEveryPanelInsideWindowAndScreen() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  m->Command3->click();
+  QCoreApplication::processEvents();
+  QVERIFY2(PanelsFault(m).isEmpty(), qPrintable(PanelsFault(m)));
+  r.Returned();
+  QVERIFY(m->CalibReady());
+  for (QWidget* w : std::initializer_list<QWidget*>{m->Picture1, m->Picture2, m->Picture3,
+                                                    m->Picture4, m->Label7})
+    QVERIFY2(w->isVisible(), qPrintable(w->objectName()));
+  QVERIFY2(PanelsFault(m).isEmpty(), qPrintable(PanelsFault(m)));
+  // The matrix is drawn at the picture's own size, not only placed.
+  QCOMPARE(r.P4().Width(), m->Picture4->width());
+  QVERIFY(Inked(r.P4(), 25, 225, 225, 25) > 100);
+  // The scatter's label is not hidden under a picture.
+  for (PictureBox* p : {m->Picture2, m->Picture3, m->Picture4})
+    QVERIFY2(!OnScreen(p).intersects(OnScreen(m->Label7)), qPrintable(p->objectName()));
+  m->Command4->click();
+  QVERIFY(m->HistReady());
+  QVERIFY2(PanelsFault(m).isEmpty(), qPrintable(PanelsFault(m)));
+  QVERIFY(m->Picture4->isVisible());
+}
+
+void TestFrmMAT::shortWindowStillShowsEveryPanel() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  m->resize(m->width(), 300);  // the least height: no room under the scatter
+  QCoreApplication::processEvents();
+  r.Returned();
+  QVERIFY(m->Picture4->isVisible());
+  // Under the scatter where the height holds it, else beside the histogram.
+  QVERIFY2(PanelsFault(m).isEmpty(), qPrintable(PanelsFault(m)));
+  QVERIFY(OnScreen(m->Picture4).left() > OnScreen(m->Picture3).right() ||
+          OnScreen(m->Picture4).top() > OnScreen(m->Label7).bottom());
+}
+
+void TestFrmMAT::matrixAndScatterShowSelectedEstimate() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  const long k = r.Inner();
+  m->UpDown1->setValue(static_cast<int>(k));
+  r.Returned();
+  QVERIFY(m->Picture4->isVisible());
+  const double low = m->CurveSet().Low, high = m->CurveSet().High;
+  auto bin = [&](long sample) {
+    return 25 + (r.session.ReconValue(sample, 1) - low) / (high - low) * 200;
+  };
+  // The line stands over the matrix even with the selection line off.
+  m->Check3->click();
+  QVERIFY(!m->Check3->isChecked());
+  for (double y : {40.0, 125.0, 210.0})
+    QVERIFY2(Near(r.P4(), bin(k), y, r.Cursor(), 0), qPrintable(QString::number(y)));
+  const double mid = (low + high) / 2;
+  QVERIFY(Near(r.P2(), r.session.ReconValue(k, 1), mid, r.Cursor(), 0));
+  // Another sample moves it on both pictures.
+  long other = 0;
+  for (long i = 1; i <= r.session.FossilSampleCount && !other; ++i)
+    if (r.session.ReconValue(i, 1) != kMissing &&
+        std::abs(r.P4().ToPixel(bin(i), 125).x() - r.P4().ToPixel(bin(k), 125).x()) >= 3)
+      other = i;
+  QVERIFY(other > 0);
+  m->UpDown1->setValue(static_cast<int>(other));
+  QVERIFY(Near(r.P4(), bin(other), 125, r.Cursor(), 0));
+  QVERIFY(!Near(r.P4(), bin(k), 125, r.Cursor(), 0));
+  QVERIFY(Near(r.P2(), r.session.ReconValue(other, 1), mid, r.Cursor(), 0));
+  // The matrix's own redraw keeps it.
+  m->Option4[1]->click();
+  QVERIFY(Near(r.P4(), bin(other), 125, r.Cursor(), 0));
 }
 
 QTEST_MAIN(TestFrmMAT)
