@@ -159,6 +159,10 @@ void frmMAT::BuildControls() {
   Check3->setChecked(true);  // the selected sample shows, as in the diagram
   Check3->setGeometry(6, 4, 128, 20);
   Combo3 = Named(new QComboBox(Frame5), "Combo3");
+  // It lists the samples with data, but shows the selected one's label
+  // even when that sample is empty.
+  Combo3->setEditable(true);
+  Combo3->lineEdit()->setReadOnly(true);
   Combo3->setGeometry(6, 26, 76, 26);
   Combo3->setToolTip("Selected sample");
   UpDown1 = Named(new SampleUpDown(Frame5), "UpDown1");
@@ -305,6 +309,21 @@ void frmMAT::Load() {
   Option2[0]->setChecked(true);
   Option3[0]->setChecked(true);
   for (QRadioButton* o : Option2) o->setEnabled(false);
+  // A window loaded again starts from its designed settings, as the first
+  // time; the selection line follows the diagram's by its own event.
+  {
+    const QSignalBlocker q1(Slider1), q3(Slider3), q5(Slider5), q6(Slider6), c1(Check1), c5(Check5);
+    Slider1->setValue(8);
+    Slider3->setValue(0);
+    Slider5->setValue(100);
+    Slider6->setValue(3);
+    Check1->setChecked(false);
+    Check5->setChecked(false);
+  }
+  Check3->setChecked(true);
+  zEnhancement_ = 1;
+  Command2->setText("Calib");
+  Command5->setText("Hist");
 
   // 3. What needs climate data, an error model or a calibration.
   for (QWidget* w : std::initializer_list<QWidget*>{
@@ -374,9 +393,9 @@ void frmMAT::Activate() {
     ~Done() { flag = false; }
   } done{activating_};
   // 1. Matrix colours changed elsewhere are redrawn.
-  if (coloursChanged_ && calibReady_) {
+  if (colours_.PaletteChanged && calibReady_) {
     DrawResponseMatrices();
-    coloursChanged_ = false;
+    colours_.PaletteChanged = false;
   }
   // 2. Climate delivered by the interpolation tool fills the list.
   if (s_.ClimateLoaded) {

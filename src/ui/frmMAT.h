@@ -226,7 +226,6 @@ class frmMAT : public QMainWindow {
   bool panelsOpen_ = false;
   bool calibReady_ = false, histReady_ = false;
   bool scaleEdited_ = false;
-  bool coloursChanged_ = false;
   bool noAnalogues_ = false;  // the three lines stand in Picture1
   bool dragging_ = false, sizing_ = false;
   bool activating_ = false;

@@ -252,11 +252,9 @@ void frmMAT::Option1Clicked() {
     for (QRadioButton* o : Option2) o->setEnabled(Check2->isChecked());
     Command7->setEnabled(false);
   }
+  // The threshold stays as last defined, as Label2 tells it.
   boundary_.Run([this] {
-    if (s_.ReconstructionOpen || (noAnalogues_ && s_.ClimateLoaded)) {
-      DefineThreshold();
-      RunReconstruction();
-    }
+    if (s_.ReconstructionOpen || (noAnalogues_ && s_.ClimateLoaded)) RunReconstruction();
   });
 }
 
@@ -329,19 +327,24 @@ void frmMAT::RunReconstruction() {
 }
 
 void frmMAT::SetLimitTexts(const QString& low, const QString& high) {
-  // Set by the program, the limits draw once, by the caller.
+  // A limit the program writes changes the scale as a user's edit does:
+  // matrices made for the old one are dropped.
+  const bool lowChanged = Text1->text() != low, highChanged = Text2->text() != high;
   Text1->setText(low);
   Text2->setText(high);
+  if (lowChanged) TextChanged(true, true);
+  if (highChanged) TextChanged(true, false);
 }
 
 void frmMAT::DrawReconstructionCurve() {
   SyncSurfaces();
   const CurveSettings set = CurveSet();
   if (set.Low == set.High) return;
-  // The histogram panel shares the depth axis of the diagram.
+  // The histogram panel shares the curve's depth axis, whose ends are the
+  // end samples when both are empty, else the diagram's gaps.
   Surface& p3 = Picture3->surface();
-  p3.SetScale(set.Low, static_cast<double>(s_.DiagramGapA), set.High - set.Low,
-              static_cast<double>(s_.DiagramGapB));
+  p3.SetScale(set.Low, 0, set.High - set.Low, 1);
+  SetCurveScale(s_, p3);
   if (histReady_)
     DrawHistPicture();
   else
@@ -504,10 +507,10 @@ void frmMAT::Slider5Changed() {
   boundary_.Run([this] {
     if (calibReady_ && Option4[0]->isChecked()) DrawResponseMatrices();
   });
-  coloursChanged_ = true;
+  colours_.PaletteChanged = true;
   if (calibReady_ && calibWindow_) {
     calibWindow_->ToggleColours();
-    coloursChanged_ = false;
+    colours_.PaletteChanged = false;
   }
 }
 
@@ -544,6 +547,7 @@ void frmMAT::ShowSamplePosition() {
   {
     const QSignalBlocker quiet(Combo3);
     Combo3->setCurrentIndex(Combo3->findText(label, Qt::MatchExactly));
+    Combo3->setEditText(label);
   }
   if (!s_.FossilEmptySample(k) && s_.ReconstructionOpen)
     Label4->setText(QString("No. of analogues: %1").arg(s_.AnalogueCount(k)));
@@ -611,6 +615,8 @@ void frmMAT::RedrawAll() {
   if (!loaded_ || !s_.ReconstructionOpen) return;
   boundary_.Run([this] {
     DrawReconstructionCurve();
+    // Both matrices take the colours of the moment.
+    if (calibReady_) DrawResponseMatrices();
     ShowSamplePosition();
   });
 }
