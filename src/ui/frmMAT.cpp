@@ -503,7 +503,11 @@ void frmMAT::PlacePanels() {
   // one column, the matrix under the scatter's label while the pictures'
   // height holds both, else a column of its own after the histogram.
   constexpr int kLabelGap = 4;
-  const int labelHeight = std::max(18, Label7->heightForWidth(w));
+  // The label is sized for its longest caption, whatever it says now.
+  const int labelHeight = std::max(
+      18, Label7->fontMetrics()
+              .boundingRect(QRect(0, 0, w, 1000), Qt::TextWordWrap, "R1 = -0.0000 / R2 = -0.0000")
+              .height());
   int x = x1 + w + kGap;
   const int under = kPictureTop + w + kLabelGap + labelHeight + kLabelGap;
   const bool stacked = under + w <= kPictureTop + pictureHeight;
