@@ -434,12 +434,13 @@ void frmMAT::SetPanelsOpen(bool open) {
   const int sign = open ? 1 : -1;
   frame5Width_ += sign * Picture99->width();
   if (open) {
-    narrowWidth_ = width();
+    panelsExtra_ = 0;
     ResizeOwn(width() + Picture0->width());
   } else {
-    // Back to the width the window had before the panels, whatever the
-    // panels took on the way.
-    ResizeOwn(narrowWidth_ > 0 ? narrowWidth_ : width() - Picture0->width());
+    // Narrower by what the panels took, a user's own resizing kept.
+    const int extra = panelsExtra_;
+    panelsExtra_ = 0;
+    ResizeOwn(width() - extra);
   }
   PlacePanels();
 }
@@ -447,6 +448,7 @@ void frmMAT::SetPanelsOpen(bool open) {
 void frmMAT::ResizeOwn(int newWidth) {
   // The window's own widening keeps what the panels show: only a resize by
   // the user runs the chain that empties them.
+  if (panelsOpen_) panelsExtra_ += newWidth - width();
   ownSize_ = QSize(newWidth, height());
   resizingOwn_ = true;
   resize(ownSize_);

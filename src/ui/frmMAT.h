@@ -243,7 +243,7 @@ class frmMAT : public QMainWindow {
   CalibSettings CalibSettingsShown() const;
   double threshold_ = 0.2;  // AnalogueThreshold, set by DefineThreshold
   int frame5Width_ = 0;
-  int narrowWidth_ = 0;  // the width before the panels opened
+  int panelsExtra_ = 0;  // what the window widened by for the panels
   bool resizingOwn_ = false;
   QSize ownSize_;         // a widening of the window's own, until its resize arrives
   int pictureWidth_ = 0;  // Picture1 to Picture4, from Slider7

@@ -1230,6 +1230,7 @@ void TestFrmMAT::returnShowsEveryPanelInsideWindowAndScreen() {
   Road r;
   r.Climate();
   frmMAT* m = r.mat;
+  const int narrow = m->width();
   m->Command3->click();
   QCoreApplication::processEvents();
   QVERIFY2(PanelsFault(m).isEmpty(), qPrintable(PanelsFault(m)));
@@ -1249,6 +1250,11 @@ void TestFrmMAT::returnShowsEveryPanelInsideWindowAndScreen() {
   QVERIFY(m->HistReady());
   QVERIFY2(PanelsFault(m).isEmpty(), qPrintable(PanelsFault(m)));
   QVERIFY(m->Picture4->isVisible());
+  // A new setting closes the panels: the window is as narrow as before.
+  m->Check1->click();
+  QVERIFY(!m->Picture4->isVisible() && !m->Picture2->isVisible());
+  QCOMPARE(m->width(), narrow);
+  QVERIFY2(PanelsFault(m).isEmpty(), qPrintable(PanelsFault(m)));
 }
 
 void TestFrmMAT::shortWindowStillShowsEveryPanel() {
