@@ -97,6 +97,43 @@ key alt+t c
 xdotool windowsize --sync "$diagram" 200 300 2>/dev/null || xdotool windowsize "$diagram" 200 300
 shot diagram-smallest
 xdotool windowsize "$diagram" 1000 720
+# The reconstruction window and the calibration tool, by the places of
+# their controls.
+probe_mat=$("$BUILD/varnoth-shots" --probe frmMAT)
+probe_calib=$("$BUILD/varnoth-shots" --probe frmCalib)
+click_in() {  # window, probe, control
+  local x y
+  read -r x y < <(awk -v n="$3" '$1 == n { print $2, $3 }' <<<"$2")
+  xdotool windowactivate --sync "$1" 2>/dev/null || true
+  xdotool mousemove --window "$1" "$x" "$y" click 1
+  sleep 0.7
+}
+click Command8
+mat=$(xdotool search --sync --onlyvisible --name '^Reconstruction$' | head -1)
+shot reconstruction
+click_in "$mat" "$probe_mat" Command1
+type_path "$EXAMPLES/climate.csv"
+shot reconstruction-curve
+click_in "$mat" "$probe_mat" Command3
+sleep 1
+shot reconstruction-error-model
+# The generated error model, "Start", then "Return": the window widens to
+# show the calibrated matrix with the curve and the scatter.
+click_in "$mat" "$probe_mat" Command6
+calib=$(xdotool search --sync --onlyvisible --name '^Ostrel 3.0$' | head -1)
+# Tall enough that "Start" and "Return" stand above the status line.
+xdotool windowsize --sync "$calib" 1224 640 2>/dev/null || xdotool windowsize "$calib" 1224 640
+sleep 0.5
+click_in "$calib" "$probe_calib" Check4
+click_in "$calib" "$probe_calib" Command3
+sleep 2
+shot calibration
+click_in "$calib" "$probe_calib" Command10
+xdotool windowactivate --sync "$mat" 2>/dev/null || true
+shot reconstruction-returned
+click_in "$mat" "$probe_mat" Command4
+sleep 2
+shot reconstruction-matrices
 # Ctrl+Q in the main window ends the program.
 xdotool windowactivate --sync "$main"
 key ctrl+q

@@ -138,6 +138,17 @@ void DrawScatterMarker(const Session& s, long p, const CurveSettings& set, Surfa
   pic.Line(x, set.Low, x, set.High, set.Colours.CursorColour.ToQColor());
 }
 
+void DrawMatrixMarker(const Session& s, long p, const CurveSettings& set, long steps,
+                      Surface& pic) {
+  pic.Clear();
+  const long k = s.SampleCursor;
+  if (k < 1 || k > s.FossilSampleCount || set.Low == set.High || steps < 1) return;
+  const double v = s.ReconValue(k, p);
+  if (v == kMissing) return;
+  const double x = 25 + (v - set.Low) / (set.High - set.Low) * static_cast<double>(steps);
+  pic.Line(x, 25, x, 25 + static_cast<double>(steps), set.Colours.CursorColour.ToQColor());
+}
+
 double SampleBoxOffset(double y, double scaleTop, double scaleHeight, double heightTwips) {
   return (y - scaleTop) * (heightTwips - 60) / scaleHeight - 90 - 300;
 }

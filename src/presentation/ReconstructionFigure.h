@@ -56,6 +56,13 @@ void DrawNoAnalogues(Surface& picture1);
 bool DrawEstObsScatter(const Session& s, long p, const CurveSettings& set, Surface& picture2);
 void DrawScatterMarker(const Session& s, long p, const CurveSettings& set, Surface& picture2);
 
+// The calibration matrix's companion of the scatter line: the estimate of
+// the selected sample as an upright line over the matrix, whose axes run
+// over `steps` bins from Low to High after a margin of 25 bins. Drawn over
+// the stored matrix; a missing estimate draws nothing.
+void DrawMatrixMarker(const Session& s, long p, const CurveSettings& set, long steps,
+                      Surface& picture4);
+
 // Where the selection box beside the curve stands, in twips from the top
 // of the curve picture: the offset of sample y on a picture `heightTwips`
 // high, less the box's own 300.

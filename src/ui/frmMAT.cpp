@@ -14,12 +14,14 @@
 #include <QRadioButton>
 #include <QSlider>
 #include <algorithm>
+#include <climits>
 #include <tuple>
 
 #include "reconstruction/ClimateImport.h"
 #include "ui/Controls.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
+#include "ui/WindowPlacement.h"
 #include "ui/frmCalib.h"
 #include "ui/frmDiagram.h"
 
@@ -157,6 +159,10 @@ void frmMAT::BuildControls() {
   Check3->setChecked(true);  // the selected sample shows, as in the diagram
   Check3->setGeometry(6, 4, 128, 20);
   Combo3 = Named(new QComboBox(Frame5), "Combo3");
+  // It lists the samples with data, but shows the selected one's label
+  // even when that sample is empty.
+  Combo3->setEditable(true);
+  Combo3->lineEdit()->setReadOnly(true);
   Combo3->setGeometry(6, 26, 76, 26);
   Combo3->setToolTip("Selected sample");
   UpDown1 = Named(new SampleUpDown(Frame5), "UpDown1");
@@ -187,6 +193,8 @@ void frmMAT::BuildControls() {
   Slider7 = Slider(c, "Slider7", 0, 10, 10);
   Slider7->setToolTip("Size of the pictures");
   Label7 = Named(new QLabel(QString(), c), "Label7");
+  Label7->setWordWrap(true);
+  Label7->setAlignment(Qt::AlignLeft | Qt::AlignTop);
   ProgressBar1 = Named(new QProgressBar(c), "ProgressBar1");
   ProgressBar1->setTextVisible(false);
   progress_.SetBar(ProgressBar1);
@@ -301,6 +309,21 @@ void frmMAT::Load() {
   Option2[0]->setChecked(true);
   Option3[0]->setChecked(true);
   for (QRadioButton* o : Option2) o->setEnabled(false);
+  // A window loaded again starts from its designed settings, as the first
+  // time; the selection line follows the diagram's by its own event.
+  {
+    const QSignalBlocker q1(Slider1), q3(Slider3), q5(Slider5), q6(Slider6), c1(Check1), c5(Check5);
+    Slider1->setValue(8);
+    Slider3->setValue(0);
+    Slider5->setValue(100);
+    Slider6->setValue(3);
+    Check1->setChecked(false);
+    Check5->setChecked(false);
+  }
+  Check3->setChecked(true);
+  zEnhancement_ = 1;
+  Command2->setText("Calib");
+  Command5->setText("Hist");
 
   // 3. What needs climate data, an error model or a calibration.
   for (QWidget* w : std::initializer_list<QWidget*>{
@@ -370,9 +393,9 @@ void frmMAT::Activate() {
     ~Done() { flag = false; }
   } done{activating_};
   // 1. Matrix colours changed elsewhere are redrawn.
-  if (coloursChanged_ && calibReady_) {
+  if (colours_.PaletteChanged && calibReady_) {
     DrawResponseMatrices();
-    coloursChanged_ = false;
+    colours_.PaletteChanged = false;
   }
   // 2. Climate delivered by the interpolation tool fills the list.
   if (s_.ClimateLoaded) {
@@ -410,8 +433,64 @@ void frmMAT::SetPanelsOpen(bool open) {
   panelsOpen_ = open;
   const int sign = open ? 1 : -1;
   frame5Width_ += sign * Picture99->width();
-  resize(width() + sign * Picture0->width(), height());
+  if (open) {
+    panelsExtra_ = 0;
+    ResizeOwn(width() + Picture0->width());
+  } else {
+    // Narrower by what the panels took, a user's own resizing kept.
+    const int extra = panelsExtra_;
+    panelsExtra_ = 0;
+    ResizeOwn(width() - extra);
+  }
   PlacePanels();
+}
+
+void frmMAT::ResizeOwn(int newWidth) {
+  // The window's own widening keeps what the panels show: only a resize by
+  // the user runs the chain that empties them.
+  if (panelsOpen_) panelsExtra_ += newWidth - width();
+  ownSize_ = QSize(newWidth, height());
+  resizingOwn_ = true;
+  resize(ownSize_);
+  resizingOwn_ = false;
+}
+
+int frmMAT::PanelsRight() const {
+  int right = 0;
+  for (QWidget* p : std::initializer_list<QWidget*>{Picture1, Picture2, Picture3, Picture4})
+    if (!p->isHidden()) right = std::max(right, p->geometry().right());
+  return right;
+}
+
+bool frmMAT::FitPanels() {
+  PlacePanels();
+  // The frame's borders, which the screen must hold as well.
+  const QRect frame = frameGeometry(), client = geometry();
+  const int borders = frame.width() - client.width();
+  const QRect screen = AvailableArea(this);
+  const int room = screen.isEmpty() ? INT_MAX : screen.width() - borders;
+  // Pictures wider than the screen allows shrink, Slider7 showing their size.
+  auto needed = [this] { return PanelsRight() + 1 + kGap; };
+  bool shrunk = false;
+  while (needed() > room && pictureWidth_ > 8) {
+    pictureWidth_ -= 1;
+    shrunk = true;
+    PlacePanels();
+  }
+  if (shrunk) {
+    const QSignalBlocker quiet(Slider7);
+    Slider7->setValue(std::max(1, pictureWidth_ * 15 * 10 / kPictureTwips));
+  }
+  const int target = std::min(std::max(width(), needed()), room);
+  if (target != width()) ResizeOwn(target);
+  if (!screen.isEmpty()) {
+    const QRect wanted(frameGeometry().topLeft(), frameGeometry().size());
+    const QRect onScreen = OntoScreen(wanted, screen);
+    if (onScreen.topLeft() != wanted.topLeft()) move(onScreen.topLeft());
+  }
+  PlacePanels();
+  SyncSurfaces();
+  return shrunk;
 }
 
 void frmMAT::PlacePanels() {
@@ -422,19 +501,37 @@ void frmMAT::PlacePanels() {
   const int x1 = kFrame5Left + frame5Width_ + kGap;
   const int w = pictureWidth_;
   Picture1->setGeometry(x1, kPictureTop, w, pictureHeight);
+  // The scatter and the calibration matrix share their horizontal axis:
+  // one column, the matrix under the scatter's label while the pictures'
+  // height holds both, else a column of its own after the histogram.
+  constexpr int kLabelGap = 4;
+  // The label is sized for its longest caption, whatever it says now.
+  const int labelHeight = std::max(
+      18, Label7->fontMetrics()
+              .boundingRect(QRect(0, 0, w, 1000), Qt::TextWordWrap, "R1 = -0.0000 / R2 = -0.0000")
+              .height());
   int x = x1 + w + kGap;
+  const int under = kPictureTop + w + kLabelGap + labelHeight + kLabelGap;
+  const bool stacked = under + w <= kPictureTop + pictureHeight;
+  const int column2 = x;
   Picture2->setGeometry(x, kPictureTop, w, w);
-  Label7->setGeometry(x, kPictureTop + w + 4, std::max(w, 120), 18);
-  if (Picture2->isVisible()) x += w + kGap;
+  Label7->setGeometry(x, kPictureTop + w + kLabelGap, w, labelHeight);
+  if (!Picture2->isHidden() || (stacked && !Picture4->isHidden())) x += w + kGap;
   Picture3->setGeometry(x, kPictureTop, w, pictureHeight);
-  if (Picture3->isVisible()) x += w + kGap;
-  Picture4->setGeometry(x, kPictureTop, w, w);
+  if (!Picture3->isHidden()) x += w + kGap;
+  if (stacked)
+    Picture4->setGeometry(column2, Picture2->isHidden() ? kPictureTop : under, w, w);
+  else
+    Picture4->setGeometry(x, kPictureTop, w, w);
 
   const int textTop = h - kTextAbove - top;
   Text1->setGeometry(x1, textTop, 64, 24);
   Text2->setGeometry(x1 + std::max(w, 130) - 64, textTop, 64, 24);
   Combo1->setGeometry(x1, textTop + 24 + kBelowText, std::max(w, 130), 26);
-  Slider7->setGeometry(x1 + std::max(w, 130) + kGap, textTop + 24 + kBelowText, 120, 26);
+  // The size slider takes what the window leaves of its width beside Combo1.
+  const int slider7Left = x1 + std::max(w, 130) + kGap;
+  Slider7->setGeometry(slider7Left, textTop + 24 + kBelowText,
+                       std::clamp(width() - slider7Left - kGap, 60, 120), 26);
   Check5->setGeometry(kColumnB, textTop, kColumnWidth, 24);
   ProgressBar1->setGeometry(x1, h - kProgressAbove - top, std::max(w, 200), 14);
   Frame5->resize(frame5Width_, kFrame5Height);
@@ -462,6 +559,11 @@ void frmMAT::resizeEvent(QResizeEvent* event) {
   }
   PlacePanels();
   if (!loaded_) return;
+  if (resizingOwn_ || event->size() == ownSize_) {
+    ownSize_ = QSize();
+    SyncSurfaces();
+    return;
+  }
   boundary_.Run([this] {
     SyncSurfaces();
     HistResize();

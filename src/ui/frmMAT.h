@@ -176,6 +176,11 @@ class frmMAT : public QMainWindow {
   void Load();
   void Activate();
   void PlacePanels();
+  // Widens the window to hold every picture shown, within the screen; the
+  // pictures shrink where the screen is too narrow (true then).
+  bool FitPanels();
+  int PanelsRight() const;
+  void ResizeOwn(int newWidth);
   void SyncSurfaces();
   void SetPanelsOpen(bool open);
 
@@ -221,7 +226,6 @@ class frmMAT : public QMainWindow {
   bool panelsOpen_ = false;
   bool calibReady_ = false, histReady_ = false;
   bool scaleEdited_ = false;
-  bool coloursChanged_ = false;
   bool noAnalogues_ = false;  // the three lines stand in Picture1
   bool dragging_ = false, sizing_ = false;
   bool activating_ = false;
@@ -231,9 +235,17 @@ class frmMAT : public QMainWindow {
   HistState hist_;
   void DrawHistPicture();
   void DrawMatrixLines();
+  // While the calibration matrix shows, the selected sample's estimate
+  // stands as an upright line over it and over the scatter.
+  bool MatrixShown() const;
+  CurveSettings ScatterSet() const;
+  void DrawMatrixMarker();
   CalibSettings CalibSettingsShown() const;
   double threshold_ = 0.2;  // AnalogueThreshold, set by DefineThreshold
   int frame5Width_ = 0;
+  int panelsExtra_ = 0;  // what the window widened by for the panels
+  bool resizingOwn_ = false;
+  QSize ownSize_;         // a widening of the window's own, until its resize arrives
   int pictureWidth_ = 0;  // Picture1 to Picture4, from Slider7
   QPointer<frmLuvane> luvane_;
 };

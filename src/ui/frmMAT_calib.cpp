@@ -40,8 +40,9 @@ void frmMAT::ReceiveCalibration() {
   calib_->CalibReady = true;
   calibReady_ = true;
   Picture4->setVisible(true);
-  PlacePanels();
-  SyncSurfaces();
+  // The window widens to show the matrix beside the other pictures; pictures
+  // shrunk to the screen are drawn again at their new size.
+  if (FitPanels() && s_.ReconstructionOpen) DrawReconstructionCurve();
   DrawResponseMatrices();
   Command4->setEnabled(true);
   for (QAction* a : {mnuSaveOstrel, mnuSaveOstrel2, mnuCopy4}) a->setEnabled(true);
@@ -71,8 +72,7 @@ void frmMAT::BuildHistMatrix() {
   boundary_.Run([this] {
     if (!calib_ || !calibReady_) return;
     Picture3->setVisible(true);
-    PlacePanels();
-    SyncSurfaces();
+    FitPanels();
     const Count p = SetCurrentParameter(s_, Combo1->currentText().toStdString());
     const long level = Slider6->value();
     if (level > 1) SmoothCurve(s_, p, level);
@@ -118,6 +118,20 @@ void frmMAT::DrawMatrixLines() {
     if (Check4[static_cast<std::size_t>(k)]->isChecked()) DrawCalibLines(*calib_, k == 0, p4);
 }
 
+bool frmMAT::MatrixShown() const { return calibReady_ && calib_ && !Picture4->isHidden(); }
+
+CurveSettings frmMAT::ScatterSet() const {
+  CurveSettings set = CurveSet();
+  if (MatrixShown()) set.SelectionShown = true;
+  return set;
+}
+
+void frmMAT::DrawMatrixMarker() {
+  if (!MatrixShown() || !Picture4->surface().HasStoredBackground()) return;
+  varnoth::DrawMatrixMarker(s_, s_.CurrentParameter, CurveSet(), kMatrixSteps, Picture4->surface());
+  Picture4->update();
+}
+
 void frmMAT::DrawResponseMatrices() {
   if (!calib_ || !calibReady_) return;
   SyncSurfaces();
@@ -128,6 +142,7 @@ void frmMAT::DrawResponseMatrices() {
                ResponseMatrixImage(*calib_, Option4[1]->isChecked(), colours_, zEnhancement_));
   DrawMatrixLines();
   p4.StoreBackground();
+  DrawMatrixMarker();
   Picture4->update();
   if (histReady_) DrawReconstructionCurve();
 }

@@ -245,19 +245,16 @@ void frmMAT::Option1Clicked() {
     for (QRadioButton* o : Option2) o->setEnabled(false);
     Command7->setEnabled(true);
   } else {
+    // The search reads the proportions, which pre-treatment leaves as they
+    // are: the dialog's enhancement is offered for them, and can be undone.
     Combo2->setEnabled(false);
-    // Proportions that pre-treatment already enhanced are not enhanced a
-    // second time: the box stays as the window opened it, unticked and off.
-    if (s_.EnhanceUsed) Check2->setChecked(false);
-    Check2->setEnabled(!s_.EnhanceUsed);
-    for (QRadioButton* o : Option2) o->setEnabled(Check2->isEnabled() && Check2->isChecked());
+    Check2->setEnabled(true);
+    for (QRadioButton* o : Option2) o->setEnabled(Check2->isChecked());
     Command7->setEnabled(false);
   }
+  // The threshold stays as last defined, as Label2 tells it.
   boundary_.Run([this] {
-    if (s_.ReconstructionOpen || (noAnalogues_ && s_.ClimateLoaded)) {
-      DefineThreshold();
-      RunReconstruction();
-    }
+    if (s_.ReconstructionOpen || (noAnalogues_ && s_.ClimateLoaded)) RunReconstruction();
   });
 }
 
@@ -330,19 +327,24 @@ void frmMAT::RunReconstruction() {
 }
 
 void frmMAT::SetLimitTexts(const QString& low, const QString& high) {
-  // Set by the program, the limits draw once, by the caller.
+  // A limit the program writes changes the scale as a user's edit does:
+  // matrices made for the old one are dropped.
+  const bool lowChanged = Text1->text() != low, highChanged = Text2->text() != high;
   Text1->setText(low);
   Text2->setText(high);
+  if (lowChanged) TextChanged(true, true);
+  if (highChanged) TextChanged(true, false);
 }
 
 void frmMAT::DrawReconstructionCurve() {
   SyncSurfaces();
   const CurveSettings set = CurveSet();
   if (set.Low == set.High) return;
-  // The histogram panel shares the depth axis of the diagram.
+  // The histogram panel shares the curve's depth axis, whose ends are the
+  // end samples when both are empty, else the diagram's gaps.
   Surface& p3 = Picture3->surface();
-  p3.SetScale(set.Low, static_cast<double>(s_.DiagramGapA), set.High - set.Low,
-              static_cast<double>(s_.DiagramGapB));
+  p3.SetScale(set.Low, 0, set.High - set.Low, 1);
+  SetCurveScale(s_, p3);
   if (histReady_)
     DrawHistPicture();
   else
@@ -353,6 +355,7 @@ void frmMAT::DrawReconstructionCurve() {
   Picture1->update();
   Picture3->update();
   if (s_.ErrorModelReady) DrawEstObsScatter();
+  DrawMatrixMarker();
   s_.ReconstructionOpen = true;
   for (QAction* a :
        {mnuSaveCurveEntry, mnuSaveCurve2Entry, mnuSaveCurveAllEntry, mnuSaveCurveAll2Entry,
@@ -370,7 +373,7 @@ void frmMAT::DrawEstObsScatter() {
   }
   SyncSurfaces();
   const Count p = s_.CurrentParameter;
-  varnoth::DrawEstObsScatter(s_, p, set, Picture2->surface());
+  varnoth::DrawEstObsScatter(s_, p, ScatterSet(), Picture2->surface());
   Picture2->update();
   s_.ErrorModelReady = true;
   Command3->setEnabled(false);
@@ -390,7 +393,7 @@ void frmMAT::GenerateErrorModel() {
           w->setVisible(true);
         Command3->setEnabled(false);
         SetPanelsOpen(true);
-        PlacePanels();
+        FitPanels();
         // 2, 3.
         ProgressBar1->raise();
         varnoth::GenerateErrorModel(s_, Settings(), progress_);
@@ -504,10 +507,10 @@ void frmMAT::Slider5Changed() {
   boundary_.Run([this] {
     if (calibReady_ && Option4[0]->isChecked()) DrawResponseMatrices();
   });
-  coloursChanged_ = true;
+  colours_.PaletteChanged = true;
   if (calibReady_ && calibWindow_) {
     calibWindow_->ToggleColours();
-    coloursChanged_ = false;
+    colours_.PaletteChanged = false;
   }
 }
 
@@ -517,7 +520,7 @@ void frmMAT::Slider7Changed() {
     return;
   }
   pictureWidth_ = Slider7->value() * 2055 / 10 / 15;
-  PlacePanels();
+  FitPanels();
   boundary_.Run([this] { HistResize(); });
 }
 
@@ -544,6 +547,7 @@ void frmMAT::ShowSamplePosition() {
   {
     const QSignalBlocker quiet(Combo3);
     Combo3->setCurrentIndex(Combo3->findText(label, Qt::MatchExactly));
+    Combo3->setEditText(label);
   }
   if (!s_.FossilEmptySample(k) && s_.ReconstructionOpen)
     Label4->setText(QString("No. of analogues: %1").arg(s_.AnalogueCount(k)));
@@ -566,9 +570,10 @@ void frmMAT::DrawMarker() {
     Picture3->update();
   }
   if (s_.ErrorModelReady && Picture2->surface().HasStoredBackground()) {
-    DrawScatterMarker(s_, s_.CurrentParameter, set, Picture2->surface());
+    DrawScatterMarker(s_, s_.CurrentParameter, ScatterSet(), Picture2->surface());
     Picture2->update();
   }
+  DrawMatrixMarker();
 }
 
 void frmMAT::SetSample(long sample) {
@@ -610,6 +615,8 @@ void frmMAT::RedrawAll() {
   if (!loaded_ || !s_.ReconstructionOpen) return;
   boundary_.Run([this] {
     DrawReconstructionCurve();
+    // Both matrices take the colours of the moment.
+    if (calibReady_) DrawResponseMatrices();
     ShowSamplePosition();
   });
 }

@@ -22,9 +22,12 @@ void frmMAT::SaveCurveAll() { SaveWith(&varnoth::SaveCurveAll); }
 void frmMAT::SaveCurveAllwithE() { SaveWith(&varnoth::SaveCurveAllwithE); }
 void frmMAT::SaveScatter() { SaveWith(&varnoth::SaveScatter); }
 void frmMAT::SaveDistAna() {
-  // Site names and positions come with the interpolation tool's climate.
+  // Climate interpolated by the tool brings the sites' names and positions:
+  // five records per sample then, else two.
   SaveWith([](const Session& s, const std::optional<std::string>& path, Progress& progress) {
-    return varnoth::SaveDistAna(s, path, progress);
+    const SiteInfo sites{s.Interp.SiteMapNames, s.Interp.SiteLongitude, s.Interp.SiteLatitude,
+                         s.Interp.SiteAltitude};
+    return varnoth::SaveDistAna(s, path, progress, s.SiteInfoLoaded ? &sites : nullptr);
   });
 }
 

@@ -18,7 +18,9 @@
 #include <QRadioButton>
 #include <QSlider>
 #include <QTest>
+#include <array>
 #include <cmath>
+#include <map>
 
 #include "UiSupport.h"
 #include "presentation/ReconstructionFigure.h"
@@ -26,15 +28,18 @@
 #include "reconstruction/Curves.h"
 #include "state/Format.h"
 #include "ui/PictureBox.h"
+#include "ui/WindowPlacement.h"
+#include "ui/frmCalib.h"
 #include "ui/frmColor.h"
 #include "ui/frmDiagram.h"
+#include "ui/frmLuvane.h"
 #include "ui/frmMAT.h"
 
 using namespace varnoth;
+using varnoth::uitest::BatchOnExamples;
 using varnoth::uitest::Example;
 using varnoth::uitest::Inked;
 using varnoth::uitest::Near;
-using varnoth::uitest::BatchOnExamples;
 using varnoth::uitest::ReadAll;
 
 namespace {
@@ -72,7 +77,52 @@ struct Road : uitest::MainFixture {
     entry->trigger();
     return path;
   }
+  // The error model, the calibration tool with the generated model and
+  // "Start", then its "Return".
+  void Returned() {
+    mat->Command3->click();
+    mat->Command6->click();
+    frmCalib* cal = mat->CalibWindow();
+    cal->Check4->click();
+    cal->Command3->click();
+    cal->Command10->click();
+    QCoreApplication::processEvents();
+  }
+  Surface& P4() { return mat->Picture4->surface(); }
 };
+
+// Where a widget stands on the screen.
+QRect OnScreen(const QWidget* w) { return QRect(w->mapToGlobal(QPoint(0, 0)), w->size()); }
+
+// Every picture shown lies wholly inside the window and the screen, and
+// none covers another; the message names the first that does not.
+QString PanelsFault(frmMAT* m) {
+  const QRect screen = AvailableArea(m);
+  const QRect window = m->geometry();
+  if (!screen.contains(m->frameGeometry())) return "window off the screen";
+  std::vector<PictureBox*> shown;
+  for (PictureBox* p : {m->Picture1, m->Picture2, m->Picture3, m->Picture4}) {
+    if (!p->isVisible()) continue;
+    const QRect g = OnScreen(p);
+    const QString where = QString("%1 at %2,%3 %4x%5 in window %6,%7 %8x%9")
+                              .arg(p->objectName())
+                              .arg(g.x())
+                              .arg(g.y())
+                              .arg(g.width())
+                              .arg(g.height())
+                              .arg(window.x())
+                              .arg(window.y())
+                              .arg(window.width())
+                              .arg(window.height());
+    if (!window.contains(g)) return where + ": outside the window";
+    if (!screen.contains(g)) return where + ": outside the screen";
+    for (PictureBox* q : shown)
+      if (OnScreen(q).intersects(g)) return where + ": over " + q->objectName();
+    if (p->width() < 20 || p->height() < 20) return where + ": too small to read";
+    shown.push_back(p);
+  }
+  return QString();
+}
 
 // Runs the batch runner on the example data; its files land in `out`.
 bool Batch(const QString& out, const QStringList& more) {
@@ -129,6 +179,129 @@ struct Core {
   }
 };
 
+// The test's own reading of a written file: quoted records split into
+// fields, each remembering whether it stood in double quotes.
+struct Field {
+  QString Text;
+  bool Quoted = false;
+};
+using Record = std::vector<Field>;
+
+std::vector<Record> Records(const QString& path) {
+  std::vector<Record> records;
+  const QString text = QString::fromUtf8(ReadAll(path));
+  for (const QString& line : text.split("\r\n", Qt::SkipEmptyParts)) {
+    Record r;
+    int i = 0;
+    while (i <= line.size()) {
+      Field f;
+      if (i < line.size() && line[i] == '"') {
+        const int close = line.indexOf('"', i + 1);
+        f.Text = line.mid(i + 1, close - i - 1);
+        f.Quoted = true;
+        i = close + 1;
+      } else {
+        const int comma = line.indexOf(',', i);
+        f.Text = line.mid(i, comma < 0 ? -1 : comma - i);
+        i = comma < 0 ? static_cast<int>(line.size()) : comma;
+      }
+      r.push_back(f);
+      ++i;  // the comma
+    }
+    records.push_back(r);
+  }
+  return records;
+}
+
+// Whether two fields agree: texts exactly, numbers within a relative
+// tolerance (single precision by default).
+bool Agree(const Field& a, const Field& b, double tolerance = 2.5e-7) {
+  if (a.Quoted || b.Quoted) return a.Quoted == b.Quoted && a.Text == b.Text;
+  bool okA = false, okB = false;
+  const double x = a.Text.toDouble(&okA), y = b.Text.toDouble(&okB);
+  if (!okA || !okB) return false;
+  return std::abs(x - y) <= tolerance * std::max(std::abs(x), std::abs(y));
+}
+
+// The first disagreement between two files read as records, or empty.
+QString Compare(const std::vector<Record>& mine, const std::vector<Record>& expected,
+                double tolerance = 2.5e-7) {
+  if (mine.size() != expected.size())
+    return QString("%1 records, expected %2").arg(mine.size()).arg(expected.size());
+  for (std::size_t i = 0; i < mine.size(); ++i) {
+    if (mine[i].size() != expected[i].size())
+      return QString("record %1: %2 fields, expected %3")
+          .arg(i + 1)
+          .arg(mine[i].size())
+          .arg(expected[i].size());
+    for (std::size_t j = 0; j < mine[i].size(); ++j)
+      if (!Agree(mine[i][j], expected[i][j], tolerance))
+        return QString("record %1 field %2: %3, expected %4")
+            .arg(i + 1)
+            .arg(j + 1)
+            .arg(mine[i][j].Text, expected[i][j].Text);
+  }
+  return QString();
+}
+
+// The example fossil table with the samples at `rows` (1-based) set to zero.
+std::string FossilWithEmpty(uitest::MainFixture& f, std::initializer_list<int> rows) {
+  QList<QByteArray> lines = ReadAll(QString::fromStdString(Example("fossil.csv"))).split('\n');
+  QByteArray out;
+  int sample = 0;
+  for (int i = 0; i < lines.size(); ++i) {
+    QByteArray line = lines[i].trimmed();
+    if (line.isEmpty()) continue;
+    if (i > 0) {
+      ++sample;
+      if (std::find(rows.begin(), rows.end(), sample) != rows.end()) {
+        QList<QByteArray> cells = line.split(',');
+        for (int c = 1; c < cells.size(); ++c) cells[c] = "0";
+        line = cells.join(',');
+      }
+    }
+    out += line + "\r\n";
+  }
+  return f.Write("fossil-empty.csv", out);
+}
+
+// The correlation of two columns of a scatter file, as the label gives it.
+QString CorrelationOf(const QString& path) {
+  const std::vector<Record> rows = Records(path);
+  std::vector<double> x, y;
+  for (std::size_t i = 1; i < rows.size(); ++i) {
+    if (rows[i][0].Quoted || rows[i][1].Text.toDouble() == -9999) continue;
+    x.push_back(rows[i][0].Text.toDouble());
+    y.push_back(rows[i][1].Text.toDouble());
+  }
+  double mx = 0, my = 0;
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    mx += x[i];
+    my += y[i];
+  }
+  mx /= double(x.size());
+  my /= double(y.size());
+  double sxy = 0, sxx = 0, syy = 0;
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    sxy += (x[i] - mx) * (y[i] - my);
+    sxx += (x[i] - mx) * (x[i] - mx);
+    syy += (y[i] - my) * (y[i] - my);
+  }
+  return "R = " + QString::number(std::round(sxy / std::sqrt(sxx * syy) * 10000) / 10000, 'g', 6);
+}
+
+// The second field of the record whose first field is `key`.
+QString Value(const std::vector<Record>& records, const QString& key) {
+  for (const Record& r : records)
+    if (!r.empty() && r[0].Text == key && r.size() > 1) return r[1].Text;
+  return "(none)";
+}
+
+// Files kept with the tests.
+QString TestData(const QString& name) {
+  return QString(VARNOTH_EXAMPLES) + "/../../tests/data/" + name;
+}
+
 }  // namespace
 
 class TestFrmMAT : public QObject {
@@ -172,6 +345,22 @@ class TestFrmMAT : public QObject {
   void mainCommand8OpensWindowAfterProjection();
   void scatterShowsSelectedEstimate();
   void enhancedDataShowEnhancementOnlyUnderEofValues();
+  void taxaProportionsAfterEnhancedPreTreatmentMatchIndependentCurve();
+  void analogueDetailsFromClimateFileNameTheSites();
+  void returnShowsEveryPanelInsideWindowAndScreen();
+  void shortWindowStillShowsEveryPanel();
+  void matrixAndScatterShowSelectedEstimate();
+  void basisSwitchDropsMatricesOfTheOldScale();
+  void option1RunsTheSearchWithTheThresholdAsDefined();
+  void reopeningReturnsControlsToLoadState();
+  void redrawAllAndRampChangeRecolourBothMatrices();
+  void emptyEndSamplesPutHistogramOnCurveScale();
+  void combo3ShowsAnEmptySelectedSample();
+  void matrixFilesSayNoEnhancementAfterCheck2Off();
+  void windowFilesMatchIndependentResults();
+  void correlationLabelReadsIndependentR();
+  void ostrelAndTamsekReadBack();
+  void analogueDetailsAfterInterpolationGiveFiveRecords();
 };
 
 void TestFrmMAT::loadStateBeforeClimate() {
@@ -325,16 +514,18 @@ void TestFrmMAT::command3OpensPanelsAndResetClosesThem() {
   m->Command3->click();
   QVERIFY(r.session.ErrorModelReady);
   QVERIFY(m->PanelsOpen());
-  QCOMPARE(m->width(), narrow + m->Picture0->width());
+  // Wider by the panels, as far as the screen lets it be.
+  QVERIFY(m->width() > narrow);
+  QVERIFY(m->width() <= narrow + m->Picture0->width());
+  QVERIFY2(PanelsFault(m).isEmpty(), qPrintable(PanelsFault(m)));
   for (QWidget* w : std::initializer_list<QWidget*>{m->Picture2, m->Picture3, m->Slider7, m->Label7,
                                                     m->Frame6, m->Command4})
     QVERIFY2(w->isVisible(), qPrintable(w->objectName()));
   QVERIFY(!m->Command3->isEnabled());
   QVERIFY(m->mnuSaveScatter->isEnabled() && m->mnuSaveScatter2->isEnabled() &&
           m->mnuCopy2->isEnabled());
-  QCOMPARE(m->Label7->text().toStdString(),
-           CorrelationCaption(EstObsCorrelation(r.session, r.P())));
-  QVERIFY(m->Label7->text().startsWith("R = "));
+  QCOMPARE(m->Label7->text(),
+           CorrelationOf(TestData("reconstruction/expected/scatter-SumSST-default.csv")));
 
   m->Check1->click();  // any setting: Reset
   QVERIFY(!r.session.ErrorModelReady);
@@ -808,7 +999,8 @@ void TestFrmMAT::changeParaKeepsErrorModel() {
   QCOMPARE(r.session.CurrentParameter, Count{2});
   QVERIFY(r.session.ErrorModelReady);
   QCOMPARE(r.session.ReconRefValue(3, 2), kept);
-  QCOMPARE(m->Label7->text().toStdString(), CorrelationCaption(EstObsCorrelation(r.session, 2)));
+  QCOMPARE(m->Label7->text(),
+           CorrelationOf(TestData("reconstruction/expected/scatter-WinSST-default.csv")));
   const ScaleLimits l = CurveLimits(r.session, 2);
   QCOMPARE(m->Text1->text().toStdString(), FormatGeneral(l.Low));
   QCOMPARE(r.P2().ScaleLeft(), l.Low);
@@ -819,8 +1011,8 @@ void TestFrmMAT::slider7ResizesPicturesAndHeightHasMinimum() {
   r.Climate();
   frmMAT* m = r.mat;
   m->Command3->click();
-  m->Slider7->setValue(5);
-  QCOMPARE(m->Picture1->width(), 5 * 2055 / 10 / 15);
+  m->Slider7->setValue(3);
+  QCOMPARE(m->Picture1->width(), 3 * 2055 / 10 / 15);
   QCOMPARE(m->Picture2->width(), m->Picture2->height());
   QCOMPARE(m->Picture3->width(), m->Picture1->width());
   QCOMPARE(r.P1().Width(), m->Picture1->width());
@@ -910,17 +1102,468 @@ void TestFrmMAT::enhancedDataShowEnhancementOnlyUnderEofValues() {
   r.session.EnhanceUsed = true;
   r.Climate();
   frmMAT* m = r.mat;
+  // At load the box is unticked; the enhanced data disable it.
   QVERIFY(!m->Check2->isEnabled());
+  QVERIFY(!m->Check2->isChecked());
   QCOMPARE(m->Settings().Enhance, AnalogueEnhance::None);
   m->Option1[1]->click();
   QVERIFY(m->Check2->isChecked());
   QVERIFY(m->Option2[1]->isChecked());
   QVERIFY(!m->Check2->isEnabled());
+  QVERIFY(!m->Option2[0]->isEnabled() && !m->Option2[1]->isEnabled());
   QCOMPARE(m->Settings().Enhance, AnalogueEnhance::Log);
+  // Back on the proportions: the dialog's choice stands and can be changed.
   m->Option1[0]->click();
-  QVERIFY(!m->Check2->isChecked());
-  QVERIFY(!m->Check2->isEnabled());
+  QVERIFY(m->Check2->isChecked());
+  QVERIFY(m->Option2[1]->isChecked());
+  QVERIFY(m->Check2->isEnabled());
+  QVERIFY(m->Option2[0]->isEnabled() && m->Option2[1]->isEnabled());
+  QCOMPARE(m->Settings().Enhance, AnalogueEnhance::Log);
+  m->Check2->click();
+  QVERIFY(!m->Option2[0]->isEnabled() && !m->Option2[1]->isEnabled());
   QCOMPARE(m->Settings().Enhance, AnalogueEnhance::None);
+}
+
+void TestFrmMAT::taxaProportionsAfterEnhancedPreTreatmentMatchIndependentCurve() {
+  uitest::MainFixture f;
+  f.ImportReference(Example("reference.csv"));
+  f.window->CorrelVar()->Check1->click();  // "Enhance minor taxa", square root
+  f.Confirm();
+  f.ImportFossil(Example("fossil.csv"));
+  QVERIFY(f.session.EnhanceUsed);
+  f.window->Command8->click();
+  frmMAT* m = f.window->MATWindow();
+  f.dialogs.OpenNames.push_back(Example("climate.csv"));
+  m->Command1->click();
+  m->Option1[1]->click();
+  m->Option1[0]->click();
+  QVERIFY(m->Check2->isChecked() && m->Option2[0]->isChecked());
+  m->Slider3->setValue(8);  // eight analogues, no fewer
+  QCOMPARE(m->Slider1->value(), 8);
+  m->Check5->click();
+  const QString path = f.folder.path() + "/curves.csv";
+  f.dialogs.SaveNames.push_back(path.toStdString());
+  m->mnuSaveCurveAllVandE->trigger();
+  const QString diff =
+      Compare(Records(path),
+              Records(TestData("reconstruction/expected/curve-all-with-error-sqrt-k8.csv")), 1e-9);
+  QVERIFY2(diff.isEmpty(), qPrintable(diff));
+}
+
+void TestFrmMAT::analogueDetailsFromClimateFileNameTheSites() {
+  Road r;
+  r.Climate();
+  const std::string path = r.Save(r.mat->mnuSaveDistAna2, "details.csv");
+  const std::vector<Record> mine = Records(QString::fromStdString(path));
+  // Two records per sample: the analogues' names, then their distances.
+  QVERIFY(mine.size() > 2);
+  QCOMPARE(mine[1][1].Text, QString("Analogue site name"));
+  QCOMPARE(mine[2][1].Text, QString("Squared chord distance"));
+  const QString diff =
+      Compare(mine, Records(TestData("reconstruction/expected/analogue-details-default.csv")));
+  QVERIFY2(diff.isEmpty(), qPrintable(diff));
+}
+
+void TestFrmMAT::analogueDetailsAfterInterpolationGiveFiveRecords() {
+  Road r;
+  r.mat->Command8->click();
+  frmLuvane* lv = r.mat->LuvaneWindow();
+  const QString stations = TestData("interpolation/stations.csv");
+  const QString targets = TestData("interpolation/targets.csv");
+  r.dialogs.OpenNames.push_back(stations.toStdString());
+  lv->Command0->click();
+  r.dialogs.OpenNames.push_back(targets.toStdString());
+  lv->Command2->click();
+  lv->Command3->click();
+  lv->Command1->click();  // "Return to Varnoth"
+  QCoreApplication::processEvents();
+  QVERIFY(r.session.SiteInfoLoaded);
+  QVERIFY(r.session.ReconstructionOpen);
+  QVERIFY(r.mat->mnuSaveDistAna->isEnabled());
+  const std::string path = r.Save(r.mat->mnuSaveDistAna, "details.csv");
+  const std::vector<Record> mine = Records(QString::fromStdString(path));
+
+  // The sites' positions as the target table gives them.
+  std::map<QString, std::array<double, 3>> place;
+  for (const Record& row : Records(targets))
+    if (row.size() >= 4 && !row[1].Quoted && row[1].Text.toDouble() != 0)
+      place[row[0].Text] = {row[1].Text.toDouble(), row[2].Text.toDouble(), row[3].Text.toDouble()};
+  QVERIFY(place.size() > 50);
+
+  // Every sample in five records: its label, what the record holds, then
+  // one field per analogue, nearest first.
+  const long n = r.session.FossilSampleCount;
+  QCOMPARE(mine.size(), std::size_t(1 + 5 * n));
+  QCOMPARE(mine[0][0].Text, QString("Depth"));
+  QCOMPARE(mine[0][1].Text, QString("Parameter"));
+  const QString kinds[] = {"Analogue site name", "Longitude", "Latitude", "Altitude",
+                           "Squared chord distance"};
+  for (long k = 0; k < n; ++k) {
+    const Record& names = mine[std::size_t(1 + 5 * k)];
+    QCOMPARE(names[0].Text, QString::fromStdString(r.session.FossilLabels(k + 1)));
+    for (int x = 0; x < 5; ++x) {
+      const Record& row = mine[std::size_t(1 + 5 * k + x)];
+      QCOMPARE(row[0].Text, names[0].Text);
+      QCOMPARE(row[1].Text, kinds[x]);
+      QCOMPARE(row.size(), names.size());
+    }
+    QVERIFY(names.size() > 2);
+    double last = 0;
+    for (std::size_t a = 2; a < names.size(); ++a) {
+      const Field& site = names[a];
+      QVERIFY(site.Quoted);
+      QVERIFY2(place.count(site.Text), qPrintable(site.Text));
+      for (int c = 0; c < 3; ++c) {
+        const Field& v = mine[std::size_t(2 + 5 * k + c)][a];
+        QVERIFY(!v.Quoted);
+        QVERIFY2(std::abs(v.Text.toDouble() - place[site.Text][std::size_t(c)]) < 1e-4,
+                 qPrintable(site.Text + " " + kinds[c + 1] + " " + v.Text));
+      }
+      const Field& d = mine[std::size_t(5 + 5 * k)][a];
+      QVERIFY(!d.Quoted && d.Text.toDouble() >= last);
+      last = d.Text.toDouble();
+    }
+  }
+}
+
+void TestFrmMAT::returnShowsEveryPanelInsideWindowAndScreen() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  const int narrow = m->width();
+  m->Command3->click();
+  QCoreApplication::processEvents();
+  QVERIFY2(PanelsFault(m).isEmpty(), qPrintable(PanelsFault(m)));
+  r.Returned();
+  QVERIFY(m->CalibReady());
+  for (QWidget* w : std::initializer_list<QWidget*>{m->Picture1, m->Picture2, m->Picture3,
+                                                    m->Picture4, m->Label7})
+    QVERIFY2(w->isVisible(), qPrintable(w->objectName()));
+  QVERIFY2(PanelsFault(m).isEmpty(), qPrintable(PanelsFault(m)));
+  // The matrix is drawn at the picture's own size, not only placed.
+  QCOMPARE(r.P4().Width(), m->Picture4->width());
+  QVERIFY(Inked(r.P4(), 25, 225, 225, 25) > 100);
+  // The scatter's label is not hidden under a picture.
+  for (PictureBox* p : {m->Picture2, m->Picture3, m->Picture4})
+    QVERIFY2(!OnScreen(p).intersects(OnScreen(m->Label7)), qPrintable(p->objectName()));
+  m->Command4->click();
+  QVERIFY(m->HistReady());
+  QVERIFY2(PanelsFault(m).isEmpty(), qPrintable(PanelsFault(m)));
+  QVERIFY(m->Picture4->isVisible());
+  // A new setting closes the panels: the window is as narrow as before.
+  m->Check1->click();
+  QVERIFY(!m->Picture4->isVisible() && !m->Picture2->isVisible());
+  QCOMPARE(m->width(), narrow);
+  QVERIFY2(PanelsFault(m).isEmpty(), qPrintable(PanelsFault(m)));
+}
+
+void TestFrmMAT::shortWindowStillShowsEveryPanel() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  m->resize(m->width(), 300);  // the least height: no room under the scatter
+  QCoreApplication::processEvents();
+  r.Returned();
+  QVERIFY(m->Picture4->isVisible());
+  // Under the scatter where the height holds it, else beside the histogram.
+  QVERIFY2(PanelsFault(m).isEmpty(), qPrintable(PanelsFault(m)));
+  QVERIFY(OnScreen(m->Picture4).left() > OnScreen(m->Picture3).right() ||
+          OnScreen(m->Picture4).top() > OnScreen(m->Label7).bottom());
+}
+
+void TestFrmMAT::matrixAndScatterShowSelectedEstimate() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  const long k = r.Inner();
+  m->UpDown1->setValue(static_cast<int>(k));
+  r.Returned();
+  QVERIFY(m->Picture4->isVisible());
+  const double low = m->CurveSet().Low, high = m->CurveSet().High;
+  auto bin = [&](long sample) {
+    return 25 + (r.session.ReconValue(sample, 1) - low) / (high - low) * 200;
+  };
+  // The line stands over the matrix even with the selection line off.
+  m->Check3->click();
+  QVERIFY(!m->Check3->isChecked());
+  for (double y : {40.0, 125.0, 210.0})
+    QVERIFY2(Near(r.P4(), bin(k), y, r.Cursor(), 0), qPrintable(QString::number(y)));
+  const double mid = (low + high) / 2;
+  QVERIFY(Near(r.P2(), r.session.ReconValue(k, 1), mid, r.Cursor(), 0));
+  // Another sample moves it on both pictures.
+  long other = 0;
+  for (long i = 1; i <= r.session.FossilSampleCount && !other; ++i)
+    if (r.session.ReconValue(i, 1) != kMissing &&
+        std::abs(r.P4().ToPixel(bin(i), 125).x() - r.P4().ToPixel(bin(k), 125).x()) >= 3)
+      other = i;
+  QVERIFY(other > 0);
+  m->UpDown1->setValue(static_cast<int>(other));
+  QVERIFY(Near(r.P4(), bin(other), 125, r.Cursor(), 0));
+  QVERIFY(!Near(r.P4(), bin(k), 125, r.Cursor(), 0));
+  QVERIFY(Near(r.P2(), r.session.ReconValue(other, 1), mid, r.Cursor(), 0));
+  // The matrix's own redraw keeps it.
+  m->Option4[1]->click();
+  QVERIFY(Near(r.P4(), bin(other), 125, r.Cursor(), 0));
+}
+
+void TestFrmMAT::basisSwitchDropsMatricesOfTheOldScale() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  // The user widens the axis; the matrices are made on that scale.
+  m->Text2->selectAll();
+  QTest::keyClicks(m->Text2, "31");
+  QCOMPARE(m->Text2->text(), QString("31"));
+  r.Returned();
+  m->Command4->click();
+  QVERIFY(m->CalibReady() && m->HistReady());
+  const QString low = m->Text1->text(), high = m->Text2->text();
+  m->Option1[1]->click();
+  // The search writes its own limits, which drop what the old scale made.
+  QVERIFY(m->Text1->text() != low || m->Text2->text() != high);
+  QVERIFY(!m->CalibReady());
+  QVERIFY(!m->HistReady());
+  QVERIFY(!m->Picture4->isVisible());
+  for (QAction* a : {m->mnuSaveOstrel, m->mnuSaveOstrel2, m->mnuCopy4, m->mnuSaveTamsek,
+                     m->mnuSaveTamsek2, m->mnuCopy3})
+    QVERIFY2(!a->isEnabled(), qPrintable(a->objectName()));
+  QVERIFY(m->Command6->isEnabled());
+  QVERIFY(r.session.ErrorModelReady);
+}
+
+void TestFrmMAT::option1RunsTheSearchWithTheThresholdAsDefined() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  m->Check2->click();  // square root: the threshold becomes 0.2^0.5
+  QVERIFY(std::abs(m->Settings().AnalogueThreshold - std::sqrt(0.2)) < 1e-15);
+  const QString label = m->Label2->text();
+  m->Option1[1]->click();  // takes the dialog's choice: no enhancement
+  QVERIFY(!m->Check2->isChecked());
+  QVERIFY(std::abs(m->Settings().AnalogueThreshold - std::sqrt(0.2)) < 1e-15);
+  QCOMPARE(m->Label2->text(), label);
+  m->Option1[0]->click();
+  QVERIFY(std::abs(m->Settings().AnalogueThreshold - std::sqrt(0.2)) < 1e-15);
+  QCOMPARE(m->Label2->text(), label);
+}
+
+void TestFrmMAT::reopeningReturnsControlsToLoadState() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  m->Slider1->setValue(5);
+  m->Slider3->setValue(2);
+  m->Slider6->setValue(6);
+  m->Check1->click();
+  m->Check3->click();
+  m->Check5->click();
+  m->Command3->click();
+  m->Slider5->setValue(150);
+  m->Command2->click();
+  m->Command5->click();
+  QCOMPARE(m->Command2->text(), QString("Calib: No"));
+  m->close();
+  r.window->Command8->click();
+  QCOMPARE(m->Slider1->value(), 8);
+  QCOMPARE(m->Slider3->value(), 0);
+  QCOMPARE(m->Slider5->value(), 100);
+  QCOMPARE(m->ZEnhancement(), 1.0);
+  QCOMPARE(m->Slider6->value(), 3);
+  QCOMPARE(m->Label6->text(), QString("Smoothing level: 3"));
+  QVERIFY(!m->Check1->isChecked());
+  QVERIFY(m->Check3->isChecked());
+  QVERIFY(!m->Check5->isChecked());
+  QCOMPARE(m->Command2->text(), QString("Calib"));
+  QCOMPARE(m->Command5->text(), QString("Hist"));
+  QCOMPARE(m->Settings().MaxAnalogues, Count{8});
+  QCOMPARE(m->Settings().MinAnalogues, Count{0});
+  QVERIFY(!m->Settings().InverseWeighting);
+  // Check5's save entries follow its tick, and only it.
+  for (QAction* a : {m->mnuSaveCurveVandE, m->mnuSaveCurveAllVandE, m->mnuSaveCurve2VandE,
+                     m->mnuSaveCurveAll2VandE})
+    QVERIFY2(!a->isEnabled(), qPrintable(a->objectName()));
+  m->Check5->click();
+  for (QAction* a : {m->mnuSaveCurveVandE, m->mnuSaveCurveAllVandE, m->mnuSaveCurve2VandE,
+                     m->mnuSaveCurveAll2VandE})
+    QVERIFY2(a->isEnabled(), qPrintable(a->objectName()));
+}
+
+void TestFrmMAT::redrawAllAndRampChangeRecolourBothMatrices() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  r.Returned();
+  m->Command4->click();
+  const QImage matrix = r.P4().Image().copy();
+  const QImage hist = m->Picture3->surface().Image().copy();
+  // The grey preset redraws everything.
+  r.window->mnuGrey->trigger();
+  QVERIFY(r.P4().Image() != matrix);
+  QVERIFY(m->Picture3->surface().Image() != hist);
+  r.window->mnuColor->trigger();
+  QVERIFY(r.P4().Image() == matrix);
+  // A ramp edited in the colour window: the next activation redraws.
+  for (int ch = 0; ch < 3; ++ch)
+    for (int b = 0; b < 4; ++b) r.colours.Break(ch, b) = r.colours.Break(0, b);
+  r.colours.PaletteChanged = true;
+  m->Open();
+  QVERIFY(r.P4().Image() != matrix);
+  QVERIFY(!r.colours.PaletteChanged);
+}
+
+void TestFrmMAT::emptyEndSamplesPutHistogramOnCurveScale() {
+  uitest::MainFixture f;
+  f.ImportReference(Example("reference.csv"));
+  f.Confirm();
+  f.ImportFossil(FossilWithEmpty(f, {1, 110}));
+  QVERIFY(f.session.FossilEmptySample(1) && f.session.FossilEmptySample(110));
+  f.window->Command8->click();
+  frmMAT* m = f.window->MATWindow();
+  f.dialogs.OpenNames.push_back(Example("climate.csv"));
+  m->Command1->click();
+  m->Command3->click();
+  const Surface& p1 = m->Picture1->surface();
+  const Surface& p3 = m->Picture3->surface();
+  QCOMPARE(p1.ScaleTop(), 10.0);
+  QCOMPARE(p1.ScaleHeight(), 109 * 10.0);
+  QCOMPARE(p3.ScaleTop(), p1.ScaleTop());
+  QCOMPARE(p3.ScaleHeight(), p1.ScaleHeight());
+}
+
+void TestFrmMAT::combo3ShowsAnEmptySelectedSample() {
+  uitest::MainFixture f;
+  f.ImportReference(Example("reference.csv"));
+  f.Confirm();
+  f.ImportFossil(FossilWithEmpty(f, {5}));
+  QVERIFY(f.session.FossilEmptySample(5));
+  f.window->Command8->click();
+  frmMAT* m = f.window->MATWindow();
+  f.dialogs.OpenNames.push_back(Example("climate.csv"));
+  m->Command1->click();
+  QCOMPARE(m->Combo3->count(), 109);  // the list holds the samples with data
+  m->UpDown1->setValue(5);
+  QCOMPARE(f.session.SampleCursor, Count{5});
+  const QString label = QString::fromStdString(f.session.FossilLabels(5));
+  QCOMPARE(m->Check3->text(), label);
+  QCOMPARE(m->Combo3->currentText(), label);
+  QVERIFY(m->Label4->text().isEmpty());
+  m->UpDown1->setValue(6);
+  QCOMPARE(m->Combo3->currentText(), QString::fromStdString(f.session.FossilLabels(6)));
+}
+
+void TestFrmMAT::matrixFilesSayNoEnhancementAfterCheck2Off() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  m->Check2->click();
+  QCOMPARE(m->Settings().Enhance, AnalogueEnhance::SquareRoot);
+  m->Check2->click();
+  QVERIFY(!m->Check2->isChecked());
+  r.Returned();
+  m->Command4->click();
+  const std::string ostrel = r.Save(m->mnuSaveOstrel, "ostrel.csv");
+  const std::string tamsek = r.Save(m->mnuSaveTamsek, "tamsek.csv");
+  for (const std::string& path : {ostrel, tamsek}) {
+    const std::vector<Record> rows = Records(QString::fromStdString(path));
+    QCOMPARE(Value(rows, "Enhancing minor taxa: "), QString("N/A"));
+    QCOMPARE(Value(rows, "Inversed weighting: "), QString("N/A"));
+  }
+}
+
+void TestFrmMAT::windowFilesMatchIndependentResults() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  m->Check5->click();
+  const std::string curves = r.Save(m->mnuSaveCurveAllVandE, "curves.csv");
+  QString diff =
+      Compare(Records(QString::fromStdString(curves)),
+              Records(TestData("reconstruction/expected/curve-all-with-error-default.csv")), 1e-9);
+  QVERIFY2(diff.isEmpty(), qPrintable(diff));
+  m->Command3->click();
+  const std::string scatter = r.Save(m->mnuSaveScatter2, "scatter.csv");
+  diff = Compare(Records(QString::fromStdString(scatter)),
+                 Records(TestData("reconstruction/expected/scatter-SumSST-default.csv")), 1e-9);
+  QVERIFY2(diff.isEmpty(), qPrintable(diff));
+}
+
+void TestFrmMAT::correlationLabelReadsIndependentR() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  m->Command3->click();
+  QCOMPARE(m->Label7->text(),
+           CorrelationOf(TestData("reconstruction/expected/scatter-SumSST-default.csv")));
+  m->Combo1->setCurrentIndex(1);
+  emit m->Combo1->activated(1);
+  QCOMPARE(m->Label7->text(),
+           CorrelationOf(TestData("reconstruction/expected/scatter-WinSST-default.csv")));
+}
+
+void TestFrmMAT::ostrelAndTamsekReadBack() {
+  Road r;
+  r.Climate();
+  frmMAT* m = r.mat;
+  m->Check2->click();  // square root, as the independent run
+  r.Returned();
+  m->Command4->click();
+  const std::vector<Record> ostrel =
+      Records(QString::fromStdString(r.Save(m->mnuSaveOstrel, "o.csv")));
+  std::vector<Record> expected = Records(TestData("reconstruction/expected/ostrel-sqrt.csv"));
+  // The clock and the paths differ by nature.
+  auto drop = [](std::vector<Record> rows) {
+    std::vector<Record> kept;
+    for (Record& row : rows)
+      if (row[0].Text != "Date/Time: " && row[0].Text != "Reference data file: " &&
+          row[0].Text != "Climate data file: ")
+        kept.push_back(row);
+    return kept;
+  };
+  // The probabilities are singles after a rescale that two readings of
+  // the calibration leave a few units apart in the last place.
+  QString diff = Compare(drop(ostrel), drop(expected), 2e-6);
+  QVERIFY2(diff.isEmpty(), qPrintable(diff));
+
+  // The histogram matrix: its header, its bins, its depths, its cells.
+  const std::vector<Record> tamsek =
+      Records(QString::fromStdString(r.Save(m->mnuSaveTamsek2, "t.csv")));
+  QCOMPARE(tamsek[0][0].Text, QString("Varnoth 2.0 output file"));
+  QCOMPARE(Value(tamsek, "Similarity index: "), QString("Taxa-based"));
+  QCOMPARE(Value(tamsek, "No. of analogues: "), QString("0-8"));
+  QCOMPARE(Value(tamsek, "Threshold: "), QString("0.2"));
+  QCOMPARE(Value(tamsek, "Enhancing minor taxa: "), QString("Square root"));
+  QCOMPARE(Value(tamsek, "Horizontal resolution: "), QString("200"));
+  QCOMPARE(Value(tamsek, "Smoothed levels"), QString("3"));
+  QCOMPARE(Value(tamsek, "Parameter"), QString("SumSST"));
+  QCOMPARE(Value(tamsek, "Confidence coefficient1 (%): "), QString("68.2"));
+  const int rows = Value(tamsek, "Vertical resolution: ").toInt();
+  QCOMPARE(rows, int(m->Hist().HistColumns));
+  QVERIFY(rows > 10);
+  std::size_t head = 0;
+  while (head < tamsek.size() && !(tamsek[head][0].Quoted && tamsek[head][0].Text.isEmpty()))
+    ++head;
+  QVERIFY(head < tamsek.size());
+  const Record& bins = tamsek[head];
+  QCOMPARE(bins.size(), std::size_t(202));
+  const double low = m->Text1->text().toDouble(), high = m->Text2->text().toDouble();
+  for (int i = 0; i <= 200; ++i)
+    QVERIFY(std::abs(bins[std::size_t(i + 1)].Text.toDouble() - (low + i * (high - low) / 200)) <
+            1e-4);
+  QCOMPARE(tamsek.size(), head + 1 + std::size_t(rows + 1));
+  const double first = 0, last = 1090;  // the example core's top and bottom depths
+  int packed = 0;
+  for (int row = 0; row <= rows; ++row) {
+    const Record& line = tamsek[head + 1 + std::size_t(row)];
+    QCOMPARE(line.size(), std::size_t(202));
+    const double depth = std::round(((rows - row) * first + row * last) / rows * 10000) / 10000;
+    QVERIFY2(std::abs(line[0].Text.toDouble() - depth) < 1e-6, qPrintable(line[0].Text));
+    for (std::size_t c = 1; c < line.size(); ++c) {
+      const double v = std::abs(line[c].Text.toDouble());
+      QVERIFY(v < 4);
+      if (v >= 1) ++packed;
+    }
+  }
+  QVERIFY(packed > rows);  // most rows hold an interval
 }
 
 QTEST_MAIN(TestFrmMAT)

@@ -83,10 +83,9 @@ void ShotCalibration(varnoth::frmMain& w, varnoth::frmMAT* mat) {
   cal->Chart()->Print->trigger();
   cal->PrepareChart(4);
   Shot(cal->Chart(), "calib-chart-probability");
-  // Wide enough for both matrix pictures; a resize empties the matrices,
-  // so it comes first.
-  mat->resize(mat->width() + 240, mat->height());
+  // "Return" widens the window itself to show the matrix.
   cal->Command10->click();
+  Shot(mat, "mat-returned");
   mat->Command4->click();
   Shot(mat, "mat-matrices-probability");
   mat->Option4[1]->click();

@@ -1,6 +1,8 @@
 // Two helpers for the road on a real X display (scripts/shots-x11.sh):
-// where the main window's controls stand, so that a script can click them
-// by name, and a picture of the whole screen, window manager included.
+// where the controls of the main window (or, named after --probe, of the
+// reconstruction window or the calibration tool) stand, so that a script
+// can click them by name, and a picture of the whole screen, window
+// manager included.
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
@@ -13,6 +15,8 @@
 #include "presentation/Colours.h"
 #include "state/Session.h"
 #include "ui/ScriptedDialogs.h"
+#include "ui/frmCalib.h"
+#include "ui/frmMAT.h"
 #include "ui/frmMain.h"
 
 int ProbeMainWindow(int argc, char* argv[]) {
@@ -25,14 +29,27 @@ int ProbeMainWindow(int argc, char* argv[]) {
   varnoth::frmMain w(session, colours, dialogs);
   w.SetEndProgram([] {});
   w.show();
+  // The settings of these windows stand at fixed places, whatever the data.
+  QWidget* probed = &w;
+  const std::string which = argc > 2 ? argv[2] : "";
+  if (which == "frmMAT" || which == "frmCalib") {
+    varnoth::frmMAT* mat = w.MATWindow();
+    mat->show();
+    probed = mat;
+    if (which == "frmCalib") {
+      mat->OpenCalibration();
+      if (mat->CalibWindow()) probed = mat->CalibWindow();
+    }
+  }
   for (int i = 0; i < 10; ++i) QApplication::processEvents();
-  std::printf("size %d %d\n", w.width(), w.height());
-  for (QWidget* c : w.findChildren<QWidget*>()) {
+  std::printf("size %d %d\n", probed->width(), probed->height());
+  for (QWidget* c : probed->findChildren<QWidget*>()) {
     if (c->objectName().isEmpty() || c->objectName().startsWith("qt_")) continue;
     if (!qobject_cast<QAbstractButton*>(c) && !qobject_cast<QComboBox*>(c) &&
         !qobject_cast<QSlider*>(c))
       continue;
-    const QPoint centre = c->mapTo(&w, c->rect().center());
+    if (c->window() != probed) continue;
+    const QPoint centre = c->mapTo(probed, c->rect().center());
     std::printf("%s %d %d\n", qPrintable(c->objectName()), centre.x(), centre.y());
   }
   return 0;
