@@ -160,6 +160,7 @@ CalibSettings frmCalib::Settings() const {
   st.Slider6 = Slider6->value();
   st.Check4 = Check4->isChecked();
   st.Check5 = Check5->isChecked();
+  st.Label4 = {Label4[0]->text().toStdString(), Label4[1]->text().toStdString()};
   return st;
 }
 

@@ -103,7 +103,8 @@ TEST(CalibrationBatch, DefaultsAreTheWindowsAndFilesEqualTheEngine) {
   EngineCalibration engine("WinSST");
   engine.Compare(work);
   const auto lines = Lines(ReadFile(work.Path("out/common-output.csv")));
-  EXPECT_EQ(lines[8], "\"Std. Dev. (% of range): \",5");
+  EXPECT_EQ(lines[7], "\"X: \",\"Alternative: \",\"Model\"");
+  EXPECT_EQ(lines[8], "\"Y: \",\"Std. Dev. (% of range): \",5");
   EXPECT_EQ(lines[10], "\"Smoothing level (% of range): \",10");
   EXPECT_EQ(lines[11], "\"Vertical threshold (samples):\",2");
   EXPECT_EQ(lines[12], "\"Horizontal threshold (samples):\",1");
@@ -143,7 +144,8 @@ TEST(CalibrationBatch, OptionsMapOntoTheSliders) {
                                    "1"});
   ASSERT_EQ(r.ExitCode, 0) << r.Err;
   const auto lines = Lines(ReadFile(work.Path("out/common-output.csv")));
-  EXPECT_EQ(lines[8], "\"Std. Dev. (% of range): \",3");
+  EXPECT_EQ(lines[7], "\"X: \",\"Alternative: \",\"Model\"");
+  EXPECT_EQ(lines[8], "\"Y: \",\"Std. Dev. (% of range): \",3");
   EXPECT_EQ(lines[10], "\"Smoothing level (% of range): \",4");
   EXPECT_EQ(lines[11], "\"Vertical threshold (samples):\",0");
   EXPECT_EQ(lines[12], "\"Horizontal threshold (samples):\",5");
