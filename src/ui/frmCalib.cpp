@@ -367,7 +367,7 @@ void frmCalib::Activate() {
   c_.CalibToolOpen = true;
   // Pairs are taken only from an error model of the present settings.
   if (!c_.PictDrawn[1] && s_.ErrorModelReady) TransferData();
-  if (c_.PictDrawn[1] && (c_.PictDrawn[2] || Check4->isChecked()) && c_.PictDrawn[3] == false)
+  if (c_.PictDrawn[1] && (c_.PictDrawn[2] || Check4->isChecked()) && !c_.PictDrawn[8])
     Command3->setEnabled(true);
 }
 

@@ -270,7 +270,7 @@ void frmCalib::TransferData() {
   ResetData(0);
   DrawScatter(0);
   if (s_.SiteInfoLoaded) DrawScatter(1);
-  if (c_.PictDrawn[1] && c_.PictDrawn[2]) Command3->setEnabled(true);
+  if (c_.PictDrawn[1] && (c_.PictDrawn[2] || Check4->isChecked())) Command3->setEnabled(true);
   Check4->setEnabled(true);
 }
 
