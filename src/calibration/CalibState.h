@@ -37,7 +37,14 @@ struct CalibSettings {
   long Slider6 = 1;     // horizontal threshold, samples, 0..10
   bool Check4 = false;  // "Generate model"
   bool Check5 = false;  // "Skip" the normalisation per Vobs bin
+  // The coefficient readouts Label4(0), Label4(1) in percent. A coefficient
+  // typed into its dialog (68.25) is finer than the slider's tenths; empty
+  // means the slider's value / 10.
+  std::array<std::string, 2> Label4;
 };
+
+// The coefficient k (0 or 1) in percent as the readout shows it.
+double ShownCoefficient(const CalibSettings& st, int k);
 
 // What the tool's labels show of each pair set; several operations read
 // their numbers back from this text, as the window does.

@@ -36,9 +36,10 @@ void WriteCommonOutput(const std::string& path, const std::string& /*kind*/, con
   w.Text("X: ").Text(c.Labels.Label14[0]).End();
   w.Text("Y: ").Text(c.Labels.Label15[0]).End();
   if (st.Check4) {
+    // The model form keeps the axis name in front of its two fields.
     w.Text("Original file2: ").Text("N/A").End();
-    w.Text("Alternative: ").Text("Model").End();
-    w.Text("Std. Dev. (% of range): ").Integer(st.Slider4).End();
+    w.Text("X: ").Text("Alternative: ").Text("Model").End();
+    w.Text("Y: ").Text("Std. Dev. (% of range): ").Integer(st.Slider4).End();
   } else {
     w.Text("Original file2: ").Text(c.Labels.Label21[1]).End();
     w.Text("X: ").Text(c.Labels.Label14[1]).End();
@@ -81,8 +82,8 @@ bool SaveCommon(const CalibState& c, const CalibSettings& st,
     // The readouts: Label7 holds the smoothing slider, Label4 the
     // coefficients in percent.
     WriteCommonOutput(*path, kind, c, st, OutputMatrixOf(c), ToSingle(st.Slider3),
-                      ToSingle(static_cast<double>(st.Slider1) / 10),
-                      ToSingle(static_cast<double>(st.Slider2) / 10), progress);
+                      ToSingle(ShownCoefficient(st, 0)), ToSingle(ShownCoefficient(st, 1)),
+                      progress);
   } catch (const RuntimeFailure&) {
     return false;
   }

@@ -24,7 +24,8 @@ void PrepareChart(const CalibState& c, const CalibSettings& st, FineGrid& fine) 
   auto m6 = [&](long p, long q) { return std::fabs(c.CalibMatrix(6, p, q)); };
   Array2<float>& prob = fine.FineProb;
   for (long q = 0; q <= kGridLast - 1; ++q) {
-    float s = 0;
+    // Sums are doubles; the cells they decide are singles.
+    double s = 0;
     for (long p = 0; p <= kGridLast; ++p) s += m6(p, q);
     for (long p = kShownFirst; p <= kShownLast; ++p) {
       if (s == 0) {
@@ -33,26 +34,28 @@ void PrepareChart(const CalibState& c, const CalibSettings& st, FineGrid& fine) 
         if (q > 0) prob(2 * p, 2 * q - 1) = prob(2 * p + 1, 2 * q - 1) = 0;
         continue;
       }
-      const float a = m6(p, q), b = m6(p, q + 1), cc = m6(p + 1, q), d = m6(p + 1, q + 1);
-      prob(2 * p, 2 * q) = a;
-      prob(2 * p, 2 * q + 1) = (b + a) / 2;
+      const double a = m6(p, q), b = m6(p, q + 1), cc = m6(p + 1, q), d = m6(p + 1, q + 1);
+      prob(2 * p, 2 * q) = ToSingle(a);
+      prob(2 * p, 2 * q + 1) = ToSingle((b + a) / 2);
       if (b + a != 0 && cc + a != 0) {
-        prob(2 * p + 1, 2 * q) = (cc + a) / 2;
-        prob(2 * p + 1, 2 * q + 1) = (a + b + cc + d) / 4;
+        prob(2 * p + 1, 2 * q) = ToSingle((cc + a) / 2);
+        prob(2 * p + 1, 2 * q + 1) = ToSingle((a + b + cc + d) / 4);
       } else {
         prob(2 * p + 1, 2 * q) = prob(2 * p + 1, 2 * q + 1) = 0;
       }
     }
   }
   for (long p = kShownFirst; p <= kShownLast; ++p) {
-    const float a = m6(p, kGridLast), b = m6(p + 1, kGridLast);
-    prob(2 * p, kFineLast) = a;
-    prob(2 * p + 1, kFineLast) = a != 0 && b != 0 ? (a + b) / 2 : 0.0f;
+    const double a = m6(p, kGridLast), b = m6(p + 1, kGridLast);
+    prob(2 * p, kFineLast) = ToSingle(a);
+    prob(2 * p + 1, kFineLast) = a != 0 && b != 0 ? ToSingle((a + b) / 2) : 0.0f;
   }
 
-  std::vector<float> peaks(kFineLast + 1, 0.0f), totals(kFineLast + 1, 0.0f);
+  std::vector<float> peaks(kFineLast + 1, 0.0f);
+  std::vector<double> totals(kFineLast + 1, 0.0);
   for (long pf = kFineFirstShown; pf <= kFineLastShown; ++pf) {
-    float peak = 0, total = 0;
+    float peak = 0;
+    double total = 0;
     for (long qf = 0; qf <= kFineLast; ++qf) {
       fine.FineClass(pf, qf) = 0;
       if (prob(pf, qf) > peak) {
@@ -66,14 +69,14 @@ void PrepareChart(const CalibState& c, const CalibSettings& st, FineGrid& fine) 
     totals[pf] = total;
   }
   for (long pf = 0; pf <= kFineLast; ++pf) {
-    float total = 0;
+    double total = 0;
     for (long qf = 0; qf <= kFineLast; ++qf) total += prob(pf, qf);
     if (!(total > 0)) {
       fine.FineMedian(pf) = static_cast<Count>(kMissing);
       continue;
     }
-    const float half = total / 2;
-    float run = 0;
+    const double half = total / 2;
+    double run = 0;
     for (long qf = 0; qf <= kFineLast; ++qf) {
       run += prob(pf, qf);
       if (run > half) {
@@ -86,7 +89,7 @@ void PrepareChart(const CalibState& c, const CalibSettings& st, FineGrid& fine) 
   const double coefficient2 = static_cast<double>(st.Slider2) / 1000;
   const bool whole = st.Slider1 == 1000 || st.Slider2 == 1000;
   for (long pf = kFineFirstShown; pf <= kFineLastShown; ++pf) {
-    const float total = totals[pf];
+    const double total = totals[pf];
     if (!(total > 0)) continue;
     const auto [level1, level2] = ConfidenceLevels(prob.Row(pf, kFineLast), kFineLast + 1,
                                                    peaks[pf], total, coefficient1, coefficient2);

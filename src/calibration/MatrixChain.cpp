@@ -163,14 +163,15 @@ void NormalizeH(CalibState& c, const CalibSettings& st, CalibPainter* painter) {
   const float* m3 = Slot(c, 3);
   const float* m4 = Slot(c, 4);
   float* m5 = Slot(c, 5);
-  float a = 0, peak = 0;
-  double vertical = 0;
+  // The sums are doubles; only the cells are singles.
+  double a = 0, vertical = 0;
+  float peak = 0;
   for (long i = 0; i < kN; ++i) {
     a += m3[i * kN + 25];
     vertical += m1[25 * kN + i];
     if (m1[25 * kN + i] > peak) peak = m1[25 * kN + i];
   }
-  c.HorizontalUnit = FormatGeneral(static_cast<double>(a) * static_cast<double>(peak));
+  c.HorizontalUnit = FormatGeneral(a * static_cast<double>(peak));
   c.VerticalUnit = FormatGeneral(vertical);
   c.PictDrawn[6] = true;
   if (st.Check5) {
@@ -180,14 +181,14 @@ void NormalizeH(CalibState& c, const CalibSettings& st, CalibPainter* painter) {
   const double t = LenientParse(c.HorizontalUnit) * static_cast<double>(st.Slider5) * 1.05;
   if (painter) painter->Clear(3);
   for (long q = 0; q < kN; ++q) {
-    float s = 0;
+    double s = 0;
     for (long p = 0; p < kN; ++p) s += m4[p * kN + q];
     for (long p = 0; p < kN; ++p) {
       float& out = m5[p * kN + q];
       if (s == 0 || t > s) {
         out = 0;
       } else {
-        out = m4[p * kN + q] / s;
+        out = ToSingle(m4[p * kN + q] / s);
         if (painter && Shown(p) && Shown(q))
           painter->Rainbow(out * 25.0f, static_cast<float>(p), static_cast<float>(q), 3);
       }
@@ -203,7 +204,7 @@ void NormalizeV(CalibState& c, const CalibSettings& st, CalibPainter* painter) {
   const double t = LenientParse(c.VerticalUnit) * static_cast<double>(st.Slider6) * 1.05;
   if (painter) painter->Clear(4);
   for (long p = 0; p < kN; ++p) {
-    float s5 = 0, s4 = 0;
+    double s5 = 0, s4 = 0;
     for (long q = 0; q < kN; ++q) {
       s5 += m5[p * kN + q];
       s4 += m4[p * kN + q];
@@ -213,7 +214,7 @@ void NormalizeV(CalibState& c, const CalibSettings& st, CalibPainter* painter) {
       if (s5 == 0 || t > s4) {
         out = 0;
       } else {
-        out = m5[p * kN + q] / s5;
+        out = ToSingle(m5[p * kN + q] / s5);
         if (painter && Shown(p) && Shown(q))
           painter->Rainbow(out * 15.0f, static_cast<float>(p), static_cast<float>(q), 4);
       }
@@ -221,14 +222,15 @@ void NormalizeV(CalibState& c, const CalibSettings& st, CalibPainter* painter) {
   }
   for (long p = 0; p < kN; ++p) {
     const float* col = m6 + p * kN;
-    float total = 0;
+    double total = 0;
     for (long q = 0; q < kN; ++q) total += col[q];
     if (total == 0) {
       c.MedianIndex(p) = 0;
       continue;
     }
-    const float half = total / 2;
-    float run = 0;
+    // The half is compared as a single, the running sum is a double.
+    const double half = Single(total / 2);
+    double run = 0;
     for (long q = 0; q < kN; ++q) {
       run += col[q];
       if (run > half) {
@@ -256,7 +258,8 @@ void BuildConfidence(CalibState& c, const CalibSettings& st, CalibPainter* paint
   for (long p = 0; p < kN; ++p) {
     const float* col = m6 + p * kN;
     float* cls = m7 + p * kN;
-    float peak = 0, total = 0;
+    float peak = 0;
+    double total = 0;
     for (long q = 0; q < kN; ++q) {
       cls[q] = 0;
       const float v = std::fabs(col[q]);
@@ -294,7 +297,7 @@ void BuildConfidence(CalibState& c, const CalibSettings& st, CalibPainter* paint
   RequireFinite(c.ConfidenceLevel);
 }
 
-std::pair<float, float> ConfidenceLevels(const float* column, long count, float peak, float total,
+std::pair<float, float> ConfidenceLevels(const float* column, long count, float peak, double total,
                                          double coefficient1, double coefficient2) {
   float level1 = 0, level2 = 0;
   float d1 = 1, d2 = 1;
@@ -302,15 +305,15 @@ std::pair<float, float> ConfidenceLevels(const float* column, long count, float 
     const double delta = static_cast<double>(peak) / std::pow(2.0, k);
     level1 = ToSingle(level1 + d1 * delta);
     level2 = ToSingle(level2 + d2 * delta);
-    float mass1 = 0, mass2 = 0;
+    double mass1 = 0, mass2 = 0;
     for (long q = 0; q < count; ++q) {
       const float v = std::fabs(column[q]);
       if (v > level1) mass1 += v;
       if (v > level2) mass2 += v;
     }
     // Too much mass inside raises the level, too little lowers it.
-    d1 = coefficient1 < static_cast<double>(mass1 / total) ? 1.0f : -1.0f;
-    d2 = coefficient2 < static_cast<double>(mass2 / total) ? 1.0f : -1.0f;
+    d1 = coefficient1 < mass1 / total ? 1.0f : -1.0f;
+    d2 = coefficient2 < mass2 / total ? 1.0f : -1.0f;
   }
   return {level1, level2};
 }

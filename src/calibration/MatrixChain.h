@@ -51,7 +51,7 @@ void FitSusono(const CalibState& c, bool greyMode, CalibPainter* painter);
 // The two levels of a column found by ten halvings of its peak: the levels
 // above which the column holds the two coefficients (fractions) of its
 // total, to a 1024th of the peak.
-std::pair<float, float> ConfidenceLevels(const float* column, long count, float peak, float total,
+std::pair<float, float> ConfidenceLevels(const float* column, long count, float peak, double total,
                                          double coefficient1, double coefficient2);
 
 // Check4 ticked: the pair set 1 labels show the model and slot 1 holds it.

@@ -22,6 +22,12 @@ Count HistColumnsFor(long pictureWidth, long pictureHeight) {
           static_cast<double>(pictureWidth))));
 }
 
+double ShownCoefficient(const CalibSettings& st, int k) {
+  const std::string& shown = st.Label4[k == 0 ? 0 : 1];
+  if (!shown.empty()) return LenientParse(shown);
+  return static_cast<double>(k == 0 ? st.Slider1 : st.Slider2) / 10;
+}
+
 std::string RoundedText(double v, int places) {
   const double scale = std::pow(10.0, places);
   return FormatGeneral(std::nearbyint(v * scale) / scale);

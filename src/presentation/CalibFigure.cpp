@@ -269,9 +269,12 @@ void DrawHistLines(const HistState& h, bool mode, double low, double high, doubl
       0, rows, index, pos, [](long, long, long) { return true; }, colour, picture3);
 }
 
-QImage ChartImage(const FineGrid& fine, bool confidence, long slider2, ColourSettings& colours) {
+QImage ChartImage(const FineGrid& fine, bool confidence, long slider2, ColourSettings& colours,
+                  Progress* progress) {
   QImage image = WhiteImage(401, 401);
-  for (long pf = 50; pf <= 450; ++pf)
+  if (progress) progress->Start(250);
+  for (long pf = 50; pf <= 450; ++pf) {
+    if (progress) progress->Step((pf - 50) * 250 / 400);
     for (long qf = 50; qf <= 450; ++qf) {
       QRgb* row = reinterpret_cast<QRgb*>(image.scanLine(static_cast<int>(450 - qf)));
       const double cls = std::fabs(fine.FineClass(pf, qf));
@@ -285,6 +288,7 @@ QImage ChartImage(const FineGrid& fine, bool confidence, long slider2, ColourSet
         row[pf - 50] = RampRgb(colours, v);
       }
     }
+  }
   return image;
 }
 

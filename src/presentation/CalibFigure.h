@@ -96,7 +96,9 @@ void DrawHistLines(const HistState& h, bool mode, double low, double high, doubl
 
 // The calibration chart at double resolution: the main figure as a 401 x
 // 401 image, its section profile, its mode and average curves.
-QImage ChartImage(const FineGrid& fine, bool confidence, long slider2, ColourSettings& colours);
+// `progress` counts the fine columns on 0..250.
+QImage ChartImage(const FineGrid& fine, bool confidence, long slider2, ColourSettings& colours,
+                  Progress* progress = nullptr);
 void DrawSectionProfile(const FineGrid& fine, long pc, long slider2, bool greyMode, Surface& pic);
 void ChartShowMode(const FineGrid& fine, bool greyMode, Surface& pic);
 void ChartShowAve(const FineGrid& fine, bool greyMode, Surface& pic);

@@ -319,6 +319,16 @@ void frmCalib::Load() {
     const QSignalBlocker quiet(b);
     b->setChecked(false);
   }
+  // Loaded afresh: no pair file and no model of an earlier opening.
+  c_.PairRows[1] = 0;
+  c_.Labels = PairLabelsShown{};
+  c_.StoredLabel12.clear();
+  c_.ReturnEnabled = c_.CalibReady = false;
+  Command1[1]->setEnabled(true);
+  for (int i : {1, 2}) {
+    Label1[static_cast<std::size_t>(i)]->setEnabled(true);
+    Label2[static_cast<std::size_t>(i)]->setEnabled(true);
+  }
   Check2->setEnabled(false);
   Check6->setEnabled(false);
   Command3->setEnabled(false);
@@ -355,8 +365,9 @@ void frmCalib::Activate() {
   }
   UnloadSecondary();
   c_.CalibToolOpen = true;
-  if (!c_.PictDrawn[1]) TransferData();
-  if (c_.PictDrawn[1] && (c_.PictDrawn[2] || Check4->isChecked()) && c_.PictDrawn[3] == false)
+  // Pairs are taken only from an error model of the present settings.
+  if (!c_.PictDrawn[1] && s_.ErrorModelReady) TransferData();
+  if (c_.PictDrawn[1] && (c_.PictDrawn[2] || Check4->isChecked()) && !c_.PictDrawn[8])
     Command3->setEnabled(true);
 }
 
@@ -399,6 +410,9 @@ void frmCalib::EnableMenus() {
 void frmCalib::closeEvent(QCloseEvent* event) {
   UnloadSecondary();
   c_.CalibToolOpen = false;
+  // Closing unloads the tool: the next opening loads it and takes the
+  // pairs of the parameter shown then.
+  loaded_ = false;
   event->accept();
 }
 

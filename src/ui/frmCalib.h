@@ -76,6 +76,11 @@ class frmCalib : public QMainWindow {
   // The reconstruction window's Z-axis enhancement changed: the colours
   // follow (Check7).
   void ToggleColours();
+  // The reconstruction window ran its search again (or shows another
+  // parameter): what the tool computed from the old pairs is taken back,
+  // and the next activation takes the pairs afresh.
+  void ReconstructionReset();
+  frmMAT& Reconstruction() const { return mat_; }
   // frmCC1 or frmCC2 put a typed coefficient into Label4(index).
   void CoefficientTyped(int index);
   // The printed pages of the tool onto any target; the number of pages.
@@ -163,6 +168,10 @@ class frmCalib : public QMainWindow {
   void ClearFigures(int firstFigure);
   void ShowFigures();
   void PaintScatter(int k);
+  // DrawScatter without taking the reconstruction window's range.
+  void PlotScatter(int k);
+  // "Return" hands back only a matrix built on the curve's own axis.
+  bool RangeMatchesReconstruction();
   void Overlays(bool clicked = false);
   void ImportPairs(int k);
   void ClearFigure(PictureBox* p);

@@ -2,6 +2,7 @@
 // model, "Start" and the sliders that re-run the tail of the chain, clicks
 // on blank figures, the overlays of Fig.8 and the hand-back.
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -32,6 +33,9 @@ void frmCalib::ConnectEvents() {
   connect(Command10, &QPushButton::clicked, this, [this] {
     boundary_.Run([this] {
       UnloadSecondary();
+      for (QWidget* w : QApplication::topLevelWidgets())
+        if (w->objectName() == "frmColor") w->close();
+      if (!RangeMatchesReconstruction()) return;
       ReturnData();
       mat_.Label7->setText("R1 = " + Label13[0]->text() + " / R2 = " + Label13[1]->text());
     });
@@ -39,8 +43,10 @@ void frmCalib::ConnectEvents() {
   connect(Command2, &QPushButton::clicked, this, &frmCalib::close);
   connect(Quit, &QAction::triggered, this, &frmCalib::close);
   connect(Check1, &QCheckBox::clicked, this, [this] {
+    // The scatter is painted again with or without its line; the scatter
+    // steps themselves would untick the box.
     boundary_.Run([this] {
-      DrawScatter(1);
+      if (c_.PictDrawn[2]) PaintScatter(1);
       ShowFigures();
     });
   });
@@ -160,6 +166,7 @@ CalibSettings frmCalib::Settings() const {
   st.Slider6 = Slider6->value();
   st.Check4 = Check4->isChecked();
   st.Check5 = Check5->isChecked();
+  st.Label4 = {Label4[0]->text().toStdString(), Label4[1]->text().toStdString()};
   return st;
 }
 
@@ -263,7 +270,7 @@ void frmCalib::TransferData() {
   ResetData(0);
   DrawScatter(0);
   if (s_.SiteInfoLoaded) DrawScatter(1);
-  if (c_.PictDrawn[1] && c_.PictDrawn[2]) Command3->setEnabled(true);
+  if (c_.PictDrawn[1] && (c_.PictDrawn[2] || Check4->isChecked())) Command3->setEnabled(true);
   Check4->setEnabled(true);
 }
 
@@ -279,9 +286,10 @@ void frmCalib::ImportPairs(int k) {
     ShowLabels();
     ResetData(k);
     DrawScatter(0);
-    // An empty pair set 1 is no model: its scatter waits for its file.
+    // An empty pair set 1 is no model: its scatter waits for its file. A
+    // generated model stands for it.
     if (!Check4->isChecked() && c_.PairRows[1] > 0) DrawScatter(1);
-    if (c_.PictDrawn[1] && c_.PictDrawn[2]) {
+    if (c_.PictDrawn[1] && (c_.PictDrawn[2] || Check4->isChecked())) {
       Command3->setEnabled(true);
       Command3->setFocus();
     }
@@ -293,24 +301,44 @@ void frmCalib::ResetData(int k) {
   ClearFigure(p);
   c_.PictDrawn[static_cast<std::size_t>(k + 1)] = false;
   Command3->setEnabled(false);
-  // The model depends on pair set 1 only; the product on both.
-  ClearFigures(k == 0 ? 4 : 3);
+  // Everything computed from the pairs goes, so that "Start" runs the chain
+  // from its start. Only a generated model does not depend on them.
+  ClearFigures(k == 0 && Check4->isChecked() ? 4 : 3);
 }
 
 void frmCalib::ResetRange() {
   ClearFigures(3);
-  if (!Check4->isChecked()) Command1[1]->setEnabled(true);
+  if (!Check4->isChecked() && !s_.SiteInfoLoaded) Command1[1]->setEnabled(true);
   for (QAction* a : {mnuCommonOutput, ProbabilityDistribution, ConfidenceRegions})
     a->setEnabled(false);
 }
 
 void frmCalib::DrawScatter(int k) {
-  if (Text1->text().isEmpty() || Text2->text().isEmpty()) {
+  // The matrix and the curve it is applied to share one axis: a new pair
+  // set 0 takes the reconstruction window's range every time.
+  bool moved = false;
+  if (k == 0 || Text1->text().isEmpty() || Text2->text().isEmpty()) {
+    moved = LenientParse(mat_.Text1->text().toStdString()) != LenientParse(c_.LastText1) ||
+            LenientParse(mat_.Text2->text().toStdString()) != LenientParse(c_.LastText2);
     const QSignalBlocker q1(Text1), q2(Text2);
     Text1->setText(mat_.Text1->text());
     Text2->setText(mat_.Text2->text());
   }
+  PlotScatter(k);
+  if (moved) {
+    // Nothing computed on the old grid stays; a generated model is made
+    // again on the new one.
+    ResetRange();
+    if (Check4->isChecked()) GenerateModel();
+  }
+}
+
+void frmCalib::PlotScatter(int k) {
   SetRange();
+  if (k == 1) {
+    const QSignalBlocker quiet(Check1);
+    Check1->setChecked(false);
+  }
   if (k == 1 && !Check4->isChecked() && LenientParse(c_.Labels.Label12[1]) > 1) {
     FitPairSet1(c_);
     ShowLabels();
@@ -342,8 +370,9 @@ void frmCalib::chRangeRedraw() {
   if (!c_.PictDrawn[1]) return;
   SetRange();
   ResetRange();
-  DrawScatter(0);
-  if (c_.PictDrawn[2] || c_.PairRows[1] > 0) DrawScatter(1);
+  // The user's own range: the scatters follow it.
+  PlotScatter(0);
+  if (c_.PictDrawn[2] || c_.PairRows[1] > 0) PlotScatter(1);
   if (Check4->isChecked()) GenerateModel();
   if (c_.PictDrawn[1] && (c_.PictDrawn[2] || Check4->isChecked())) Command3->setEnabled(true);
 }
@@ -356,8 +385,14 @@ void frmCalib::ResetModel() {
   }
   if (c_.PictDrawn[2]) Check1->setEnabled(true);
   Slider4->setEnabled(false);
-  // Pair set 1 was fitted by its scatter: only the model's own texts go.
-  if (c_.Labels.Label21[1] == "Generated error model") varnoth::ResetModel(c_);
+  // Leaving the generated model: its slider goes back to its minimum and
+  // the model's own texts go. Pair set 1 fitted by its scatter keeps its
+  // texts, and the slider its opening value.
+  if (c_.Labels.Label21[1] == "Generated error model") {
+    const QSignalBlocker quiet(Slider4);
+    Slider4->setValue(Slider4->minimum());
+    varnoth::ResetModel(c_);
+  }
   Label22->setVisible(false);
   Label22->setText("Std.Dev.: ");
   ShowLabels();
@@ -452,8 +487,26 @@ void frmCalib::PictureClicked(int index) {
 }
 
 void frmCalib::ReturnData() {
+  if (!c_.PictDrawn[8]) return;  // nothing computed for the present pairs
   varnoth::ReturnData(c_);
   mat_.ReceiveCalibration();
+}
+
+bool frmCalib::RangeMatchesReconstruction() {
+  const std::string a = mat_.Text1->text().toStdString(), b = mat_.Text2->text().toStdString();
+  if (LenientParse(a) == LenientParse(c_.LastText1) &&
+      LenientParse(b) == LenientParse(c_.LastText2))
+    return true;
+  dialogs_.Message("The matrix is built on the range " + c_.LastText1 + " to " + c_.LastText2 +
+                       ", but the reconstruction curve is drawn from " + a + " to " + b +
+                       ". Set the same range in both windows.",
+                   "Error");
+  return false;
+}
+
+void frmCalib::ReconstructionReset() {
+  if (!loaded_) return;
+  ResetData(0);
 }
 
 void frmCalib::ResetColour() {

@@ -48,7 +48,13 @@ void frmCalib::CoefficientTyped(int index) {
     // The slider takes no value beyond its range.
     if (v < s->minimum() || v > s->maximum())
       throw RuntimeFailure(FailureKind::InvalidCall, "slider value");
-    s->setValue(static_cast<int>(Round(v)));
+    // The thumb moves without writing its tenths over the typed number.
+    const int before = s->value();
+    {
+      const QSignalBlocker quiet(s);
+      s->setValue(static_cast<int>(Round(v)));
+    }
+    if (s->value() != before) Rerun(ChainChange::Coefficient);
   });
 }
 

@@ -152,9 +152,9 @@ void frmMAT::SaveOstrel() {
     if (!calib_) return;
     const std::optional<std::string> path = dialogs_.SaveFileName(kDataFileFilter);
     AnalogueChoices choices{Settings(), Slider2->value()};
-    varnoth::SaveOstrel(s_, *calib_, CalibSettingsShown(), choices,
-                        LenientParse(Text1->text().toStdString()), CurrentStamp(), path,
-                        mainProgress_);
+    // The bins of the axis the matrix was built on.
+    varnoth::SaveOstrel(s_, *calib_, CalibSettingsShown(), choices, LenientParse(calib_->LastText1),
+                        CurrentStamp(), path, mainProgress_);
   });
 }
 

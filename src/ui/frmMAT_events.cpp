@@ -198,6 +198,7 @@ void frmMAT::Reset() {
   }
   // 5.
   calibReady_ = false;
+  if (calibWindow_) calibWindow_->ReconstructionReset();
   Slider7->setVisible(false);
   Label7->setVisible(false);
   for (QAction* a :
@@ -427,6 +428,8 @@ void frmMAT::ChangePara() {
   if (UpDown1->isEnabled()) UpDown1->setFocus();
   Picture4->setVisible(false);
   if (s_.ErrorModelReady) EmptyMatrices();
+  // An open calibration tool holds the pairs of the parameter shown before.
+  if (calibWindow_) calibWindow_->ReconstructionReset();
 }
 
 void frmMAT::EmptyMatrices() {

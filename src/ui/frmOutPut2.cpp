@@ -171,8 +171,14 @@ void frmOutPut2::Open(const FineGrid& fine, int index) {
   Check1->setChecked(index == 5);
   Check4->setChecked(index == 5);
   {
+    const QSignalBlocker q(Check2);
+    Check2->setChecked(false);
+  }
+  WipeInterval();
+  {
+    // The enhancement opens at the reconstruction window's slider.
     const QSignalBlocker q(Slider2);
-    Slider2->setValue(static_cast<int>(std::lround(calib_.ZEnhancement() * 100)));
+    Slider2->setValue(calib_.Reconstruction().Slider5->value());
   }
   Label4->setText(QString("%1 %").arg(Slider2->value()));
   calib_.Colours().PaletteChanged = false;
@@ -208,10 +214,12 @@ void frmOutPut2::DrawChart() {
   Surface& s = Picture1->surface();
   s.SetScale(0, 0, 400, 400);
   s.SetBackColour(Qt::white);
-  s.DrawImage(0, 0, 400, 400,
-              ChartImage(fine_, Option1[1]->isChecked(), Slider2->value(), calib_.Colours()));
+  const QImage image =
+      ChartImage(fine_, Option1[1]->isChecked(), Slider2->value(), calib_.Colours(), &progress_);
+  s.DrawImage(0, 0, 400, 400, image);
   s.StoreBackground();
   Picture1->update();
+  progress_.Finish();
 }
 
 void frmOutPut2::DrawPicture2() {

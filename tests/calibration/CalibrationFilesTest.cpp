@@ -105,8 +105,8 @@ TEST(CommonOutput, HeadOfAGeneratedModel) {
       "\"X: \",\"(Reconstructed)T\"",
       "\"Y: \",\"(Estimated)T\"",
       "\"Original file2: \",\"N/A\"",
-      "\"Alternative: \",\"Model\"",
-      "\"Std. Dev. (% of range): \",5",
+      "\"X: \",\"Alternative: \",\"Model\"",
+      "\"Y: \",\"Std. Dev. (% of range): \",5",
       "\"Resolution (steps): \",200",
       "\"Smoothing level (% of range): \",7",
       "\"Vertical threshold (samples):\",2",
@@ -117,6 +117,19 @@ TEST(CommonOutput, HeadOfAGeneratedModel) {
   for (std::size_t k = 0; k < head.size(); ++k) EXPECT_EQ(lines[k], head[k]) << k;
   // CR LF after every record.
   EXPECT_NE(ReadFile(dir.Path("p.csv")).find("\"Version: \",\"2.5.0\"\r\n"), std::string::npos);
+}
+
+TEST(CommonOutput, CoefficientsAreTheNumbersOfTheReadoutsNotTheSliders) {
+  TempDir dir;
+  CalibSettings st;
+  CalibState c = Calibrated("0", "10", st);
+  // A coefficient typed into its dialog: the slider can only hold 682.
+  st.Label4 = {"68.25", "99.9"};
+  NoProgress progress;
+  ASSERT_TRUE(SaveConfidence(c, st, dir.Path("k.csv"), progress));
+  const auto lines = Lines(ReadFile(dir.Path("k.csv")));
+  EXPECT_EQ(lines[13], "\"Confidence coefficient1 (%):\",68.25");
+  EXPECT_EQ(lines[14], "\"Confidence coefficient2 (%):\",99.9");
 }
 
 TEST(CommonOutput, HeadOfAFittedModelNamesTheFile) {

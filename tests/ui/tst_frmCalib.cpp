@@ -24,6 +24,7 @@
 #include "UiSupport.h"
 #include "presentation/CalibFigure.h"
 #include "presentation/CalibPrint.h"
+#include "reconstruction/Curves.h"
 #include "state/Format.h"
 #include "ui/PictureBox.h"
 #include "ui/frmCC1.h"
@@ -34,8 +35,8 @@
 #include "ui/frmPrintSetup.h"
 
 using namespace varnoth;
-using varnoth::uitest::Example;
 using varnoth::uitest::BatchOnExamples;
+using varnoth::uitest::Example;
 using varnoth::uitest::ReadAll;
 
 namespace {
@@ -167,6 +168,15 @@ class TestFrmCalib : public QObject {
   void zEnhancementOfReconstructionRecoloursBoth();
   void reopeningTakesTheReconstructionRange();
   void figuresSaveAsPicturesWithTheirMatrices();
+  void anotherParameterAfterClosingHandsBackItsOwnMatrix();
+  void newVrecVestFileRunsTheChainFromTheStart();
+  void generatedModelThenImportEnablesStartAtOnce();
+  void returnRefusesAMatrixOnAnotherRangeThanTheCurve();
+  void resetOfTheReconstructionTakesBackTheToolsMatrix();
+  void minorItemsOfTheScatterModelAndRange();
+  void chartOpensAtTheReconstructionEnhancementWithIntervalsOff();
+  void sectionProfileAtZeroEnhancementKeepsItsFirstPoints();
+  void openedWithNoVrecVestDataStartWaitsForBothScatters();
 };
 
 void TestFrmCalib::loadDefaultsAndRangeFromReconstruction() {
@@ -876,6 +886,320 @@ void TestFrmCalib::figuresSaveAsPicturesWithTheirMatrices() {
   QVERIFY(text.startsWith("<?xml"));
   QVERIFY(text.contains("<image"));
   QVERIFY(r.dialogs.Messages.empty());
+}
+
+namespace {
+
+// The pairs the reconstruction window holds for parameter p, as the tool
+// stores them.
+float ReconPair(const Session& s, long site, long p) {
+  return static_cast<float>(s.ReconRefValue(site, p));
+}
+
+std::vector<float> Slot8(const CalibState& c) {
+  std::vector<float> out;
+  for (long p = 25; p <= 225; ++p)
+    for (long q = 25; q <= 225; ++q) out.push_back(c.CalibMatrix(8, p, q));
+  return out;
+}
+
+}  // namespace
+
+void TestFrmCalib::anotherParameterAfterClosingHandsBackItsOwnMatrix() {
+  Road r;
+  frmMAT* m = r.mat;
+  r.Open();
+  r.Generated();
+  r.cal->Command10->click();
+  QVERIFY(m->CalibReady());
+  const std::vector<float> first = Slot8(*m->Calib());
+  r.cal->Command2->click();
+  // Another parameter in the reconstruction window, then the tool again.
+  QVERIFY(m->Combo1->count() > 1);
+  m->Combo1->setCurrentIndex(1);
+  emit m->Combo1->activated(1);
+  const QString name = m->Combo1->currentText();
+  const long p = r.session.CurrentParameter;
+  QCOMPARE(QString::fromStdString(r.session.ClimateParamNames(p)), name);
+  r.Open();
+  QCOMPARE(r.cal->Label14[0]->text(), "(Reconstructed)" + name);
+  QCOMPARE(r.cal->Label15[0]->text(), "(Estimated)" + name);
+  QCOMPARE(r.cal->Text1->text(), m->Text1->text());
+  QCOMPARE(r.cal->Text2->text(), m->Text2->text());
+  QVERIFY(!r.cal->Check4->isChecked());  // loaded afresh
+  QVERIFY(!r.cal->Command10->isEnabled());
+  r.Generated();
+  r.cal->Command10->click();
+  // What the reconstruction window received: the new parameter's pairs,
+  // a matrix on its axis, and not the old matrix.
+  QVERIFY(m->CalibReady());
+  const CalibState& got = *m->Calib();
+  for (long site : {1L, 2L, 10L, static_cast<long>(r.session.RefSiteCount)}) {
+    QCOMPARE(got.PairData(0, site, 1), ReconPair(r.session, site, p));
+    QCOMPARE(got.PairData(0, site, 2), static_cast<float>(r.session.ClimateData(site, p)));
+  }
+  QCOMPARE(QString::fromStdString(got.LastText1), m->Text1->text());
+  QCOMPARE(QString::fromStdString(got.LastText2), m->Text2->text());
+  QVERIFY(Slot8(got) != first);
+}
+
+void TestFrmCalib::newVrecVestFileRunsTheChainFromTheStart() {
+  Road r;
+  frmMAT* m = r.mat;
+  r.Open();
+  r.dialogs.OpenNames.push_back(r.PairFile());
+  r.cal->Command1[1]->click();
+  r.cal->Command3->click();
+  r.cal->Command10->click();
+  QVERIFY(m->CalibReady());
+  const std::vector<float> first = Slot8(*m->Calib());
+  // A Vrec-Vest file of its own: every figure computed from the pairs goes.
+  const double t1 = LenientParse(m->Text1->text().toStdString());
+  const double t2 = LenientParse(m->Text2->text().toStdString());
+  QByteArray text = "Vrec,Vest\r\n";
+  // As many rows as sites: the counts run over that many.
+  const int rows = r.session.RefSiteCount;
+  for (int i = 0; i < rows; ++i) {
+    const double v = t1 + (t2 - t1) * (i % 20) / 20.0;
+    text += QByteArray::fromStdString(FormatGeneral(v) + "," + FormatGeneral(v)) + "\r\n";
+  }
+  r.dialogs.OpenNames.push_back(r.Write("vrec.csv", text));
+  r.cal->Command1[0]->click();
+  QVERIFY(!m->CalibReady());
+  QVERIFY(!r.cal->Command10->isEnabled());
+  for (int f = 3; f <= 8; ++f) QVERIFY2(!r.cal->PictDrawn(f), qPrintable(QString::number(f)));
+  QVERIFY(r.cal->Command3->isEnabled());
+  r.cal->Command3->click();
+  for (int f = 3; f <= 8; ++f) QVERIFY2(r.cal->PictDrawn(f), qPrintable(QString::number(f)));
+  r.cal->Command10->click();
+  QVERIFY(m->CalibReady());
+  const CalibState& got = *m->Calib();
+  QCOMPARE(got.PairData(0, 2, 1), static_cast<float>(t1 + (t2 - t1) / 20.0));
+  QCOMPARE(r.cal->Label12[0]->text(), QString::number(rows));
+  // Every pair of the file on the diagonal: the counts stand on it alone.
+  double offDiagonal = 0, onDiagonal = 0;
+  for (long i = 0; i <= 250; ++i)
+    for (long j = 0; j <= 250; ++j) (i == j ? onDiagonal : offDiagonal) += got.CalibMatrix(0, i, j);
+  QCOMPARE(onDiagonal, static_cast<double>(rows));
+  QCOMPARE(offDiagonal, 0.0);
+  QVERIFY(Slot8(got) != first);
+}
+
+void TestFrmCalib::generatedModelThenImportEnablesStartAtOnce() {
+  Road r;
+  r.Open();
+  r.cal->Check4->click();
+  r.dialogs.OpenNames.push_back(r.Write(
+      "vrec.csv", "Vrec,Vest\r\n" + r.mat->Text1->text().toUtf8() + "," +
+                      r.mat->Text1->text().toUtf8() + "\r\n" + r.mat->Text2->text().toUtf8() + "," +
+                      r.mat->Text2->text().toUtf8() + "\r\n"));
+  r.cal->Command1[0]->click();
+  QVERIFY(r.cal->Check4->isChecked());
+  QVERIFY(r.cal->PictDrawn(3));  // the model stays
+  QVERIFY(r.cal->Command3->isEnabled());
+  r.cal->Command3->click();
+  QVERIFY(r.cal->PictDrawn(8));
+  QVERIFY(r.cal->Command10->isEnabled());
+  r.cal->Command10->click();
+  QVERIFY(r.mat->CalibReady());
+  QCOMPARE(r.mat->Calib()->PairData(0, 1, 1),
+           static_cast<float>(LenientParse(r.mat->Text1->text().toStdString())));
+}
+
+void TestFrmCalib::returnRefusesAMatrixOnAnotherRangeThanTheCurve() {
+  Road r;
+  frmMAT* m = r.mat;
+  r.Open();
+  frmCalib* c = r.cal;
+  c->Check4->click();
+  // The user's own range in the tool: the chain runs on it...
+  const QString wider =
+      QString::fromStdString(FormatGeneral(LenientParse(m->Text2->text().toStdString()) + 2));
+  c->Text2->setText(wider);
+  emit c->Text2->textEdited(wider);
+  emit c->Text2->editingFinished();
+  QCOMPARE(c->Text2->text(), wider);
+  c->Command3->click();
+  QVERIFY(c->Command10->isEnabled());
+  // ... but the curve's axis is another: nothing is handed back.
+  c->Command10->click();
+  QCOMPARE(r.dialogs.Messages.size(), std::size_t{1});
+  QCOMPARE(QString::fromStdString(r.dialogs.Messages[0].Title), QString("Error"));
+  QVERIFY(QString::fromStdString(r.dialogs.Messages[0].Text).contains(wider));
+  QVERIFY(!m->CalibReady());
+  QVERIFY(!m->Picture4->isVisible());
+  // A new pair set 0 takes the curve's range again, and then it goes back.
+  r.dialogs.OpenNames.push_back(r.Write("vrec.csv", "Vrec,Vest\r\n26,26.5\r\n27,27.5\r\n"));
+  c->Command1[0]->click();
+  QCOMPARE(c->Text2->text(), m->Text2->text());
+  for (QLabel* l : c->Label2) QCOMPARE(l->text(), m->Text2->text());
+  QVERIFY(c->PictDrawn(3));  // the model made again on the new range
+  c->Command3->click();
+  c->Command10->click();
+  QCOMPARE(r.dialogs.Messages.size(), std::size_t{1});
+  QVERIFY(m->CalibReady());
+  QCOMPARE(QString::fromStdString(m->Calib()->LastText2), m->Text2->text());
+  QCOMPARE(m->Calib()->MatrixStepSize, (LenientParse(m->Text2->text().toStdString()) -
+                                        LenientParse(m->Text1->text().toStdString())) /
+                                           200);
+  // The ostrel file's bins are the matrix's axis.
+  const std::string ostrel = r.Save(m->mnuSaveOstrel, "ostrel.csv");
+  const QList<QByteArray> lines = ReadAll(QString::fromStdString(ostrel)).split('\n');
+  QVERIFY(lines.size() > 20);
+  const QList<QByteArray> bins = lines[15].trimmed().split(',');
+  QCOMPARE(bins.size(), 202);
+  QCOMPARE(bins[1].toDouble(), LenientParse(m->Text1->text().toStdString()));
+  QCOMPARE(bins[201].toDouble(), LenientParse(m->Text2->text().toStdString()));
+}
+
+void TestFrmCalib::resetOfTheReconstructionTakesBackTheToolsMatrix() {
+  Road r;
+  frmMAT* m = r.mat;
+  r.Open();
+  r.Generated();
+  QVERIFY(r.cal->Command10->isEnabled());
+  // A setting of the reconstruction changes while the tool stays open.
+  m->Slider1->setValue(m->Slider1->value() - 1);
+  QVERIFY(!r.cal->Command10->isEnabled());
+  QVERIFY(!r.cal->PictDrawn(1));
+  QVERIFY(!r.cal->PictDrawn(8));
+  QVERIFY(!r.cal->Command3->isEnabled());
+  // Even a stray hand-back delivers nothing.
+  r.cal->ReturnData();
+  QVERIFY(!m->CalibReady());
+  // A new error model and the tool again: the pairs of the new search.
+  m->Command3->click();
+  r.Open();
+  QVERIFY(r.cal->PictDrawn(1));
+  const long p = r.session.CurrentParameter;
+  QCOMPARE(r.mat->Calib()->PairData(0, 3, 1), ReconPair(r.session, 3, p));
+  QVERIFY(r.cal->Command3->isEnabled());
+  r.cal->Command3->click();
+  r.cal->Command10->click();
+  QVERIFY(m->CalibReady());
+}
+
+void TestFrmCalib::minorItemsOfTheScatterModelAndRange() {
+  Road r;
+  r.Open();
+  frmCalib* c = r.cal;
+  // The scatter of pair set 1 unticks "Show fitting line".
+  const std::string pairs = r.PairFile();
+  r.dialogs.OpenNames.push_back(pairs);
+  c->Command1[1]->click();
+  c->Check1->click();
+  QVERIFY(c->Check1->isChecked());
+  r.dialogs.OpenNames.push_back(pairs);
+  c->Command1[1]->click();
+  QVERIFY(!c->Check1->isChecked());
+  QVERIFY(c->Check1->isEnabled());
+  // Leaving the generated model returns its slider to the minimum.
+  c->Check4->click();
+  c->Slider4->setValue(7);
+  c->Check4->click();
+  QCOMPARE(c->Slider4->value(), 1);
+  QVERIFY(!c->Slider4->isEnabled());
+  // ResetRange keeps the Vest-Vobs import off while the climate comes
+  // from the interpolation tool.
+  r.session.SiteInfoLoaded = true;
+  c->Command1[1]->setEnabled(false);
+  c->ResetRange();
+  QVERIFY(!c->Command1[1]->isEnabled());
+  r.session.SiteInfoLoaded = false;
+  c->ResetRange();
+  QVERIFY(c->Command1[1]->isEnabled());
+  // "Return" closes the colour settings.
+  c->Check4->click();
+  c->Command3->click();
+  c->ColourSetting->trigger();
+  QCoreApplication::processEvents();
+  QWidget* colour = nullptr;
+  for (QWidget* w : QApplication::topLevelWidgets())
+    if (w->objectName() == "frmColor" && w->isVisible()) colour = w;
+  QVERIFY(colour);
+  c->Command10->click();
+  QVERIFY(!colour->isVisible());
+  QVERIFY(r.mat->CalibReady());
+}
+
+void TestFrmCalib::chartOpensAtTheReconstructionEnhancementWithIntervalsOff() {
+  Road r;
+  r.Open();
+  r.Generated();
+  frmCalib* c = r.cal;
+  QTest::mouseClick(c->Picture2[4], Qt::LeftButton, {}, QPoint(50, 50));
+  frmOutPut2* ch = c->Chart();
+  QCOMPARE(ch->Slider2->value(), r.mat->Slider5->value());
+  ch->Check2->click();
+  QVERIFY(ch->Check2->isChecked());
+  // The chart's own enhancement moves the shared factor, not the slider of
+  // the reconstruction window.
+  ch->Slider2->setValue(40);
+  emit ch->Slider2->sliderReleased();
+  ch->close();
+  int steps = 0;
+  connect(ch->ProgressBar1, &QProgressBar::valueChanged, ch, [&steps] { ++steps; });
+  QTest::mouseClick(c->Picture2[4], Qt::LeftButton, {}, QPoint(50, 50));
+  QCOMPARE(ch->Slider2->value(), r.mat->Slider5->value());
+  QVERIFY(!ch->Check2->isChecked());
+  // DrawChart counts its columns on the bar and hides it afterwards.
+  QVERIFY(steps > 10);
+  QVERIFY(!ch->ProgressBar1->isVisible());
+}
+
+void TestFrmCalib::sectionProfileAtZeroEnhancementKeepsItsFirstPoints() {
+  Road r;
+  r.Open();
+  r.Generated();
+  QTest::mouseClick(r.cal->Picture2[4], Qt::LeftButton, {}, QPoint(50, 50));
+  frmOutPut2* ch = r.cal->Chart();
+  // A section where the column has mass: its profile reaches past the
+  // left edge.
+  auto reach = [ch] {
+    const QImage& img = ch->Picture2->surface().Image();
+    int n = 0;
+    for (int y = 0; y < img.height(); ++y)
+      for (int x = 3; x < img.width(); ++x)
+        if ((img.pixel(x, y) & 0xFFFFFF) != 0xFFFFFF) ++n;
+    return n;
+  };
+  int best = 0, at = 0;
+  for (int v = 0; v <= 100; v += 5) {
+    ch->Slider1->setValue(v);
+    if (reach() > best) {
+      best = reach();
+      at = v;
+    }
+  }
+  QVERIFY(best > 0);
+  ch->Slider1->setValue(at);
+  QCOMPARE(reach(), best);
+  ch->Slider2->setValue(0);
+  emit ch->Slider2->sliderReleased();
+  // Only the first point of every row stays: the left edge, nothing else.
+  const QImage& img = ch->Picture2->surface().Image();
+  int left = 0, rest = 0;
+  for (int y = 0; y < img.height(); ++y)
+    for (int x = 0; x < img.width(); ++x)
+      if ((img.pixel(x, y) & 0xFFFFFF) != 0xFFFFFF) (x <= 2 ? left : rest) += 1;
+  QVERIFY(left > 0);
+  QCOMPARE(rest, 0);
+}
+
+void TestFrmCalib::openedWithNoVrecVestDataStartWaitsForBothScatters() {
+  Road r;
+  // No reconstructed value at any site for the parameter.
+  const long p = SetCurrentParameter(r.session, r.mat->Combo1->currentText().toStdString());
+  for (long s = 1; s <= r.session.RefSiteCount; ++s) r.session.ReconRefValue(s, p) = -9999;
+  r.Open();
+  QCOMPARE(r.cal->Label12[0]->text(), QString("0"));
+  QVERIFY(!r.cal->Command3->isEnabled());
+  r.cal->Command3->click();
+  QVERIFY(!r.cal->PictDrawn(3));
+  r.dialogs.OpenNames.push_back(r.PairFile());
+  r.cal->Command1[1]->click();
+  QVERIFY(r.cal->PictDrawn(1) && r.cal->PictDrawn(2));
+  QVERIFY(r.cal->Command3->isEnabled());
 }
 
 QTEST_MAIN(TestFrmCalib)
