@@ -1519,9 +1519,7 @@ void TestFrmMAT::ostrelAndTamsekReadBack() {
         kept.push_back(row);
     return kept;
   };
-  // The probabilities are singles after a rescale that two readings of
-  // the calibration leave a few units apart in the last place.
-  QString diff = Compare(drop(ostrel), drop(expected), 2e-6);
+  QString diff = Compare(drop(ostrel), drop(expected));
   QVERIFY2(diff.isEmpty(), qPrintable(diff));
 
   // The histogram matrix: its header, its bins, its depths, its cells.
