@@ -20,6 +20,7 @@
 #include <QSlider>
 #include <QTest>
 #include <cmath>
+#include <vector>
 
 #include "UiSupport.h"
 #include "app/shots/StationTables.h"
@@ -141,6 +142,7 @@ class TestFrmLuvane : public QObject {
   void hoverOnTheMagnifierNamesAndShowsTheReach();
   void editedScatterBoundsRedrawTheScatter();
   void calibrationTakesTheStationPairsOfTheParameter();
+  void generateModelIsOffWhileTheStationPairsAreTaken();
   void typedParameterNameLeftCountsAsChosen();
   void narrowTargetFileReadsTheMissingColumnsAsZero();
   void radiusIsReadAsTheRunReadsIt();
@@ -1006,6 +1008,66 @@ void TestFrmLuvane::calibrationTakesTheStationPairsOfTheParameter() {
   // N1 is the count of the accuracy check.
   QCOMPARE(cal->Label12[1]->text(), QString::number(in.InterpPairCount));
   QVERIFY(in.InterpPairCount > 250);
+}
+
+namespace {
+// Records every change of a control's enabled state, with what the
+// calibration's pair set 1 held at that moment.
+class EnabledLog : public QObject {
+ public:
+  EnabledLog(QWidget* w, const CalibState& c) : w_(w), c_(c) { w->installEventFilter(this); }
+  struct Step {
+    bool enabled;
+    float firstPair;
+  };
+  std::vector<Step> steps;
+
+ protected:
+  bool eventFilter(QObject* o, QEvent* e) override {
+    if (o == w_ && e->type() == QEvent::EnabledChange)
+      steps.push_back({w_->isEnabled(), c_.PairData(1, 1, 1)});
+    return false;
+  }
+
+ private:
+  QWidget* w_;
+  const CalibState& c_;
+};
+}  // namespace
+
+void TestFrmLuvane::generateModelIsOffWhileTheStationPairsAreTaken() {
+  Tool t;
+  t.BothFiles();
+  t.lv->Command3->click();
+  t.lv->Command1->click();
+  QCoreApplication::processEvents();
+  t.mat->Command3->click();
+  t.mat->Command6->click();
+  QCoreApplication::processEvents();
+  frmCalib* cal = t.mat->CalibWindow();
+  QVERIFY(cal && cal->isVisible());
+  cal->close();
+  QCoreApplication::processEvents();
+  // A second parameter, so that opening again takes other pairs.
+  t.mat->Combo1->setCurrentIndex(1);
+  emit t.mat->Combo1->activated(1);
+  t.mat->Command3->click();
+  QCoreApplication::processEvents();
+  const CalibState& c = *t.mat->Calib();
+  const float before = c.PairData(1, 1, 1);
+  EnabledLog log(cal->Check4, c);
+  t.mat->Command6->click();
+  QCoreApplication::processEvents();
+  QVERIFY(cal->isVisible());
+  // Disabled before the station pairs come in, enabled again at the end.
+  QVERIFY(log.steps.size() >= 2);
+  QCOMPARE(log.steps.front().enabled, false);
+  QCOMPARE(log.steps.front().firstPair, before);
+  QCOMPARE(log.steps.back().enabled, true);
+  QVERIFY(cal->Check4->isEnabled());
+  const InterpolationState& in = t.session.Interp;
+  QCOMPARE(c.PairData(1, 1, 1), static_cast<float>(in.InterpRefEstimate(1, 7)));
+  QVERIFY(c.PairData(1, 1, 1) != before);
 }
 
 void TestFrmLuvane::typedParameterNameLeftCountsAsChosen() {
