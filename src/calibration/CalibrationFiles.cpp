@@ -83,7 +83,8 @@ bool SaveCommon(const CalibState& c, const CalibSettings& st,
     WriteCommonOutput(*path, kind, c, st, OutputMatrixOf(c), ToSingle(st.Slider3),
                       ToSingle(static_cast<double>(st.Slider1) / 10),
                       ToSingle(static_cast<double>(st.Slider2) / 10), progress);
-  } catch (const RuntimeFailure&) {
+  } catch (const RuntimeFailure& e) {
+    lastSaveFailure = e.what();
     return false;
   }
   return true;
