@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "state/Dialogs.h"
+#include "state/Failure.h"
 #include "state/Session.h"
 
 namespace varnoth::fuzz {
@@ -91,5 +92,31 @@ template <typename T>
 bool AllFinite(const Array2<T>& a) {
   return AllFinite(a.Data(), a.Rows() * a.Cols());
 }
+
+// Every number field of a written file (an unquoted one) is empty or a
+// finite number: no "NaN", "Inf" or digits that overflow.
+bool FileIsFinite(const std::string& path);
+
+// A setting drawn from the input: byte `at` of the first bytes, or 0 when
+// the input is shorter.
+inline unsigned Setting(const std::uint8_t* data, std::size_t size, std::size_t at) {
+  return at < size ? data[at] : 0u;
+}
+
+// Runs one stage of a road: true when it ended normally, false when it
+// ended in the run-time failure (where a window's boundary ends the event).
+template <typename F>
+bool Stage(F&& f) {
+  try {
+    f();
+    return true;
+  } catch (const RuntimeFailure&) {
+    return false;
+  }
+}
+
+// A save on the road: either the file failure (nothing written) or a file
+// of finite numbers.
+#define FUZZ_SAVED(written, path) FUZZ_REQUIRE(!(written) || ::varnoth::fuzz::FileIsFinite(path))
 
 }  // namespace varnoth::fuzz
