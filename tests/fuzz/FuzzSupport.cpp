@@ -44,6 +44,33 @@ std::string WriteInput(std::string_view tag, const std::uint8_t* data, std::size
   return path;
 }
 
+namespace {
+std::vector<std::pair<std::string, long>>& Stages() {
+  static std::vector<std::pair<std::string, long>> stages;
+  return stages;
+}
+}  // namespace
+
+void Reached(std::string_view stage) {
+  auto& stages = Stages();
+  for (auto& [name, count] : stages)
+    if (name == stage) {
+      ++count;
+      return;
+    }
+  stages.emplace_back(std::string(stage), 1);
+}
+
+const std::vector<std::pair<std::string, long>>& StagesReached() { return Stages(); }
+
+bool Saved(std::string_view call, bool written, const std::string& path) {
+  if (!written) return true;
+  if (!FileIsFinite(path)) return false;
+  // "SaveCurve(s, out, progress)" counts as "SaveCurve written".
+  Reached(std::string(call.substr(0, call.find('('))) + " written");
+  return true;
+}
+
 bool FileIsFinite(const std::string& path) {
   std::FILE* f = std::fopen(path.c_str(), "rb");
   if (!f) return false;

@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "state/Dialogs.h"
 #include "state/Failure.h"
@@ -115,8 +117,19 @@ bool Stage(F&& f) {
   }
 }
 
+// How far the inputs get down a road: every stage a road passes is counted
+// here, and the corpus runner reports the counts, so that seeds which stop
+// early show (and a road whose end no seed reaches fails the corpus test).
+void Reached(std::string_view stage);
+// The stages in the order first reached, with the number of inputs that
+// passed each.
+const std::vector<std::pair<std::string, long>>& StagesReached();
+// The stage a road target passes when an input went all the way.
+inline constexpr std::string_view kRoadEnd = "end of the road";
+
 // A save on the road: either the file failure (nothing written) or a file
-// of finite numbers.
-#define FUZZ_SAVED(written, path) FUZZ_REQUIRE(!(written) || ::varnoth::fuzz::FileIsFinite(path))
+// of finite numbers; a written file counts as a stage named by the call.
+bool Saved(std::string_view call, bool written, const std::string& path);
+#define FUZZ_SAVED(written, path) FUZZ_REQUIRE(::varnoth::fuzz::Saved(#written, (written), (path)))
 
 }  // namespace varnoth::fuzz

@@ -41,6 +41,8 @@ bool ReconstructAndSave(Session& s, const AnalogueSettings& st) {
   NoProgress progress;
   s.CurrentParameter = 1;
   if (!Stage([&] { RunReconstruction(s, st, progress); })) return false;
+  Reached(st.Basis == AnalogueBasis::EofValues ? "reconstruction on EOF values"
+                                               : "reconstruction on taxa");
   const std::string out = WriteInput("road-out", "");
   FUZZ_SAVED(SaveCurveAll(s, out, progress), out);
   FUZZ_SAVED(SaveCurveAllwithE(s, out, progress), out);
@@ -48,6 +50,7 @@ bool ReconstructAndSave(Session& s, const AnalogueSettings& st) {
   FUZZ_SAVED(SaveCurveWithE(s, out, progress), out);
   FUZZ_SAVED(SaveDistAna(s, out, progress), out);
   if (!Stage([&] { GenerateErrorModel(s, st, progress); })) return false;
+  Reached("error model");
   for (Count p = 1; p <= s.ClimateParamCount; ++p) {
     s.CurrentParameter = p;
     FUZZ_SAVED(SaveScatter(s, out, progress), out);

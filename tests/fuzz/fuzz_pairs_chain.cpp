@@ -55,6 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       }))
     return 0;
   if (!read) return 0;
+  Reached("pair file read");
 
   CalibSettings st;
   st.Slider1 = static_cast<long>(a * 4 % 1001);
@@ -68,7 +69,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   chain.RefSiteCount = s.RefSiteCount;
   chain.ProgressBar = &progress;
   if (!Stage([&] { StartChain(c, st, chain); })) return 0;
+  Reached("calibration chain");
   if (!Stage([&] { ReturnData(c); })) return 0;
+  Reached("Return");
   for (long k = 0; k <= 8; ++k)
     for (long i = 0; i <= kGridLast; ++i)
       for (long j = 0; j <= kGridLast; ++j) FUZZ_REQUIRE(std::isfinite(c.CalibMatrix(k, i, j)));
@@ -88,8 +91,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         BuildHistMatrix(h, s, c, t1, t2, smoothing, static_cast<Count>(1 + d % 200), progress);
       }))
     return 0;
+  Reached("matrix down the core");
   FUZZ_SAVED(
       SaveTamsek(s, c, st, choices, h, smoothing, t1, {"2026-01-02", "03:04:05"}, out, progress),
       out);
+  Reached(kRoadEnd);
   return 0;
 }

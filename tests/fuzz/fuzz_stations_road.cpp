@@ -34,6 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   NoProgress progress;
   if (!ImportData(s, kStationFile, WriteInput("road-stations", data + skip, size - skip), yes).Ok)
     return 0;
+  Reached("stations imported");
   if (!ImportData(s, kTargetFile, WriteInput("road-targets", kTargetTable), yes).Ok) return 0;
 
   InterpolationSettings st;
@@ -44,6 +45,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   InterpolationState& in = s.Interp;
   FUZZ_REQUIRE(AllFinite(in.InterpTargetEstimate) && AllFinite(in.InterpRefEstimate));
   FUZZ_REQUIRE(AllFinite(s.ClimateData));
+  Reached(st.Mode == InterpMode::MinimumDistance ? "interpolation, nearest station"
+                                                 : "interpolation, weighted");
 
   const std::string out = WriteInput("road-interp-out", "");
   FUZZ_SAVED(SaveInterpolatedClimate(s, out, progress), out);
@@ -52,16 +55,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     in.InterpCurrentParam = k;
     const ScatterPairs pairs = ScatterPairsPL(s);
     // The coefficient shown is a number, or none when the run ended first.
-    if (pairs.Correlation) FUZZ_REQUIRE(std::isfinite(*pairs.Correlation));
+    if (pairs.Correlation) {
+      FUZZ_REQUIRE(std::isfinite(*pairs.Correlation));
+      Reached("accuracy correlation");
+    }
     FUZZ_REQUIRE(pairs.CorrelationText.find("NaN") == std::string::npos);
     if (pairs.Counted)
       FUZZ_REQUIRE(std::isfinite(pairs.MeanEstimate) && std::isfinite(pairs.MeanObserved));
-    const AxisRange range = AutoScale(s);
-    (void)range;
+    // The scatter's axes: a range, or the overflow failure for values past it.
+    Stage([&] {
+      const AxisRange range = AutoScale(s);
+      FUZZ_REQUIRE(std::isfinite(range.Min) && std::isfinite(range.Max));
+    });
     FUZZ_SAVED(SaveInterpMatrix(s, out, progress), out);
   }
   in.InterpCurrentParam = 6;
   s.SiteInfoLoaded = true;
-  ReconstructAndSave(s, AnalogueSettingsFrom(s, c, b));
+  if (ReconstructAndSave(s, AnalogueSettingsFrom(s, c, b))) Reached(kRoadEnd);
   return 0;
 }
