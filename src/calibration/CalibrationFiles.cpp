@@ -84,7 +84,8 @@ bool SaveCommon(const CalibState& c, const CalibSettings& st,
     WriteCommonOutput(*path, kind, c, st, OutputMatrixOf(c), ToSingle(st.Slider3),
                       ToSingle(ShownCoefficient(st, 0)), ToSingle(ShownCoefficient(st, 1)),
                       progress);
-  } catch (const RuntimeFailure&) {
+  } catch (const RuntimeFailure& e) {
+    lastSaveFailure = e.what();
     return false;
   }
   return true;

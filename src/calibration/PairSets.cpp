@@ -5,6 +5,7 @@
 #include "state/CellReader.h"
 #include "state/Finite.h"
 #include "state/Format.h"
+#include "state/ReadProblem.h"
 
 namespace varnoth {
 
@@ -68,6 +69,30 @@ void ShowFit(CalibState& c, int k) {
   }
 }
 
+// What stopped the read of a pair file, in the words of the reader
+// messages: the cause, the file, the row and column.
+std::string PairProblem(FailureKind kind, const std::string& path, ReadPlace place,
+                        const std::string& x) {
+  const std::string name = FailureName(kind);
+  if (IsFileFailure(kind) || kind == FailureKind::OutOfMemory) return name + " (" + path + ")";
+  if (kind == FailureKind::InputPastEnd)
+    return place.Text("The file ends inside a row (" + name + ")", path);
+  if (kind == FailureKind::SubscriptOutOfRange) {
+    place.column = 0;
+    return place.Text("More than " + std::to_string(kPairRowLimit) + " pairs (" + name + ")", path);
+  }
+  if (kind == FailureKind::Overflow) {
+    // The x value is converted first: y overflowed when x did not.
+    try {
+      ToSingle(LenientParse(x));
+    } catch (const RuntimeFailure&) {
+      place.column = 1;
+    }
+    return place.Text("A value is too large (" + name + ")", path);
+  }
+  return place.Text(name, path);
+}
+
 }  // namespace
 
 void TransferData(CalibState& c, const Session& s, const std::string& dialogFileName,
@@ -104,7 +129,11 @@ void TransferData(CalibState& c, const Session& s, const std::string& dialogFile
   }
 }
 
-bool ImportPairFile(CalibState& c, int k, const std::string& path) {
+bool ImportPairFile(CalibState& c, int k, const std::string& path, std::string* problem) {
+  // Where the read stands, for the problem text: file rows count the
+  // header as row 1, x is column 1 and y column 2.
+  ReadPlace place;
+  std::string x, y;
   try {
     CellReader cells = CellReader::FromFile(path);
     c.PairCount = 0;
@@ -112,8 +141,10 @@ bool ImportPairFile(CalibState& c, int k, const std::string& path) {
     c.PairMin[k] = "99999999";
     c.PairRows[static_cast<std::size_t>(k)] = 0;
     for (long n = 0; !cells.AtEnd(); ++n) {
-      const std::string x(cells.Next());
-      const std::string y(cells.Next());
+      place.At(n + 1, 1);
+      x = cells.Next();
+      place.At(n + 1, 2);
+      y = cells.Next();
       if (n == 0) {
         c.PairLabels[k] = x;
         c.PairLabels[k + 2] = y;
@@ -122,7 +153,8 @@ bool ImportPairFile(CalibState& c, int k, const std::string& path) {
         c.PairRows[static_cast<std::size_t>(k)] = n;
       }
     }
-  } catch (const RuntimeFailure&) {
+  } catch (const RuntimeFailure& e) {
+    if (problem) *problem = PairProblem(e.kind(), path, place, x);
     return false;
   }
   c.Labels.Label12[k] = std::to_string(c.PairCount);

@@ -32,8 +32,9 @@ void TransferData(CalibState& c, const Session& s, const std::string& dialogFile
 
 // Reads a pair file into pair set k. True when the file was read to its end;
 // on any failure (no file, more than 10000 rows, a row cut short, a number
-// too large) the rows read so far stay and the labels are left as they were.
-bool ImportPairFile(CalibState& c, int k, const std::string& path);
+// too large) the rows read so far stay and the labels are left as they were,
+// and `problem`, when given, tells what failed, in which file and where.
+bool ImportPairFile(CalibState& c, int k, const std::string& path, std::string* problem = nullptr);
 
 // Validates the range boxes and derives the grid from them. T1 = T2 shows
 // "Please set valid range." and puts the last valid strings back.

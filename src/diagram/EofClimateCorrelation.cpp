@@ -14,9 +14,13 @@ namespace varnoth {
 namespace {
 
 // The coefficient from the three sums; d = 0 (a constant EOF or parameter)
-// gives 0 rather than a division by zero.
+// gives 0 rather than a division by zero. Sums that overflowed (values near
+// the largest double) are the overflow failure: the table never shows NaN,
+// nor a 0 that only an infinite deviation made.
 double Coefficient(double sxy, double sxx, double syy) {
-  const double d = std::pow(syy * sxx, 0.5);
+  const double product = syy * sxx;
+  if (!std::isfinite(sxy) || !std::isfinite(product)) ThrowOverflow();
+  const double d = std::pow(product, 0.5);
   return d == 0 ? 0.0 : sxy / d;
 }
 

@@ -29,7 +29,11 @@ void Correlate(Session& s, ScatterPairs& out, double sx, double sy) {
     syy += dy * dy;
     sxy += dx * dy;
   }
-  const double d = std::pow(syy * sxx, 0.5);
+  // Values near the largest double overflow the sums: the overflow failure,
+  // never a NaN shown as the coefficient.
+  const double product = syy * sxx;
+  if (!std::isfinite(sxy) || !std::isfinite(product)) ThrowOverflow();
+  const double d = std::pow(product, 0.5);
   if (d == 0) return;
   out.Correlation = Round(sxy / d * 10000) / 10000;
   out.CorrelationText = FormatGeneral(*out.Correlation);
@@ -90,8 +94,9 @@ ScatterPairs ScatterPairsPL(Session& s) {
       out.Points.push_back({static_cast<Count>(i), e, o});
     }
     Correlate(s, out, sx, sy);
-  } catch (const RuntimeFailure&) {
+  } catch (const RuntimeFailure& e) {
     // The figure's routine stops quietly where it failed.
+    out.Failure = e.kind();
   }
   return out;
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "state/Dialogs.h"
+#include "state/Failure.h"
 #include "state/Session.h"
 
 namespace varnoth {
@@ -34,6 +35,9 @@ struct ScatterPairs {
   std::optional<double> Correlation;
   std::string CorrelationText;
   bool Packed = false;  // InterpPairEstimates and InterpPairObserved are filled
+  // The failure that ended the work early (sums that overflowed, a column
+  // without pairs), for a caller that reports it; the figure shows none.
+  std::optional<FailureKind> Failure;
 };
 
 // What the scatter shows: the pairs of the column, their count in

@@ -337,8 +337,8 @@ InterpImportResult ImportData(Session& s, Count mode, const std::optional<std::s
     else
       result.Problem = place(name);
   } catch (const std::bad_alloc&) {
-    result.Failure = FailureKind::Overflow;
-    result.Problem = place(FailureName(FailureKind::Overflow));
+    result.Failure = FailureKind::OutOfMemory;
+    result.Problem = place(FailureName(FailureKind::OutOfMemory));
   }
   return result;
 }

@@ -66,7 +66,7 @@ void CellReader::Release::operator()(char* p) const noexcept { std::free(p); }
 
 CellReader CellReader::FromFile(const std::string& path) {
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (fd < 0) throw RuntimeFailure(FailureKind::FileNotFound, path);
+  if (fd < 0) throw RuntimeFailure(FileFailureKind(errno), path);
   struct Closer {
     int fd;
     ~Closer() { ::close(fd); }
@@ -78,19 +78,29 @@ CellReader CellReader::FromFile(const std::string& path) {
   std::size_t capacity = 65536;
   if (::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0)
     capacity = static_cast<std::size_t>(info.st_size) + 1;  // + 1 sees the end at once
-  std::unique_ptr<char, Release> buffer(Allocate(capacity));
+  // A file larger than memory (or an endless device) is the system's
+  // "Out of memory", not an abort.
+  auto allocate = [&](std::size_t bytes) {
+    try {
+      return Allocate(bytes);
+    } catch (const std::bad_alloc&) {
+      throw RuntimeFailure(FailureKind::OutOfMemory, path);
+    }
+  };
+  std::unique_ptr<char, Release> buffer(allocate(capacity));
   std::size_t have = 0;
   for (;;) {
     if (have == capacity) {
       // More than the size said (a file still growing, or a pipe).
-      std::unique_ptr<char, Release> larger(Allocate(capacity * 2));
+      if (capacity > SIZE_MAX / 4) throw RuntimeFailure(FailureKind::OutOfMemory, path);
+      std::unique_ptr<char, Release> larger(allocate(capacity * 2));
       std::memcpy(larger.get(), buffer.get(), have);
       buffer = std::move(larger);
       capacity *= 2;
     }
     ssize_t got = ::read(fd, buffer.get() + have, capacity - have);
     if (got < 0 && errno == EINTR) continue;
-    if (got < 0) throw RuntimeFailure(FailureKind::FileNotFound, path);
+    if (got < 0) throw RuntimeFailure(FileFailureKind(errno), path);
     if (got == 0) break;
     have += static_cast<std::size_t>(got);
   }

@@ -11,11 +11,16 @@ enum class FailureKind {
   SubscriptOutOfRange,  // an index outside an array's bounds
   Overflow,             // a 16-bit count or an integer conversion overflowed
   DivisionByZero,
-  TypeMismatch,         // a strict number parse failed
-  FileNotFound,         // a file could not be opened
-  InputPastEnd,         // the end of a file met inside a row
-  Cancelled,            // a file dialog was cancelled
-  InvalidCall,          // an argument outside what a routine accepts
+  TypeMismatch,      // a strict number parse failed
+  FileNotFound,      // a file could not be opened
+  InputPastEnd,      // the end of a file met inside a row
+  Cancelled,         // a file dialog was cancelled
+  InvalidCall,       // an argument outside what a routine accepts
+  OutOfMemory,       // an allocation failed
+  PermissionDenied,  // a file or its folder may not be read or written
+  DiskFull,          // a write found no room
+  PathNotFound,      // a folder on the way to a file is not there
+  PathFileAccess,    // a file that cannot be used as one (a folder, a pipe)
 };
 
 class RuntimeFailure : public std::runtime_error {
@@ -29,6 +34,13 @@ class RuntimeFailure : public std::runtime_error {
 
 // The message a user sees for a failure kind ("Subscript out of range", ...).
 const char* FailureName(FailureKind kind);
+
+// The failure kind of a file operation's system error (errno): "File not
+// found", "Permission denied", "Disk full", ...
+FailureKind FileFailureKind(int error);
+// True for the kinds a file that cannot be opened, read or written ends in,
+// which the windows treat alike.
+bool IsFileFailure(FailureKind kind);
 
 [[noreturn]] void ThrowSubscript();
 [[noreturn]] void ThrowOverflow();

@@ -260,6 +260,8 @@ void RunImport(Session& s, const Target& t, const std::optional<std::string>& pa
     if (r >= 3 && ahead.Start() == in.Position() && ahead.Finish()) {
       // The rows in order have arrived where the part began: take its rows.
       for (std::size_t k = 0; k < ahead.Rows(); ++k, ++r) {
+        // Past the last row the table may hold, the failure names this row.
+        where.At(r + 1, 1);
         (void)labels(r);
         rows = ToCount(static_cast<long long>(r));
         double* v = values.Row(r);

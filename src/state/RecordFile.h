@@ -12,6 +12,11 @@
 
 namespace varnoth {
 
+// Why the last save of this thread that wrote nothing failed ("Disk full
+// (out/curve.csv)"), for a caller that names the cause; empty after a save
+// that wrote its file.
+inline thread_local std::string lastSaveFailure;
+
 template <typename Body>
 bool SaveRecordFile(const std::optional<std::string>& path, Progress& progress, long rows,
                     Body body) {
@@ -23,7 +28,9 @@ bool SaveRecordFile(const std::optional<std::string>& path, Progress& progress, 
     body(w);
     w.Save(*path);
     written = true;
-  } catch (const RuntimeFailure&) {
+    lastSaveFailure.clear();
+  } catch (const RuntimeFailure& e) {
+    lastSaveFailure = e.what();
   }
   progress.Step(0);
   progress.Finish();

@@ -186,7 +186,7 @@ bool frmECC::Load() {
         Inport_climate_data(s_, dialogs_.OpenFileName(kDataFileFilter), dialogs_);
     // A cancelled dialog or a file that cannot be opened ends quietly.
     if (read.Failure && *read.Failure != FailureKind::Cancelled &&
-        *read.Failure != FailureKind::FileNotFound)
+        !IsFileFailure(*read.Failure))
       throw RuntimeFailure(*read.Failure);
     if (!read.Ok) return false;
   }

@@ -270,7 +270,7 @@ void frmMAT::Inport_climate_data() {
     const ClimateImportResult r = varnoth::Inport_climate_data(s_, path, dialogs_);
     BusyPointer::Restore();
     if (!r.Ok) {
-      if (r.Failure && *r.Failure != FailureKind::FileNotFound) throw RuntimeFailure(*r.Failure);
+      if (r.Failure && !IsFileFailure(*r.Failure)) throw RuntimeFailure(*r.Failure);
       return;
     }
     // 10. The parameters and the settings that need climate data.

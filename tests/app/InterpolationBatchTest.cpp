@@ -197,7 +197,7 @@ TEST(InterpolationBatch, BadFilesShowTheMessagesAndWriteNoClimate) {
        "Error: The site names [X14-61] and [V14-61] were not accepted as the same in " +
            inputs.Path("renamed.csv") + ", row 2, column 1\n"},
       {{"--stations", inputs.Path("none.csv"), "--targets", Data("targets.csv")},
-       "Error: Cannot read the station file " + inputs.Path("none.csv") + ".\n"},
+       "Error: Cannot read the station file " + inputs.Path("none.csv") + " (File not found).\n"},
       {{"--stations", inputs.Write("binary.csv", std::string("\x01\xff\x00,7", 5)), "--targets",
         Data("targets.csv")},
        "Error: Subscript out of range in " + inputs.Path("binary.csv") +

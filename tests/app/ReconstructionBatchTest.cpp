@@ -181,7 +181,7 @@ TEST(ReconstructionBatch, BadClimateFilesShowTheMessagesAndWriteNoCurve) {
        "Error: The site names [X14-61] and [V14-61] were not accepted as the same in " +
            Climate("renamed.csv") + ", row 2, column 1\n"},
       {Climate("missing.csv"),
-       "Error: Cannot read the climate file " + Climate("missing.csv") + ".\n"},
+       "Error: Cannot read the climate file " + Climate("missing.csv") + " (File not found).\n"},
   };
   for (const Case& c : cases) {
     TempDir work;

@@ -181,3 +181,34 @@ TEST(EofClimateCorrelation, TextIsRoundedToTwoDecimals) {
   EXPECT_EQ(EccText(1.0), "1");
   EXPECT_EQ(EccText(27.456), "27.46");
 }
+
+// Climate values near the largest double overflow the sums of squares; the
+// table then ends in the overflow failure instead of holding NaN.
+TEST(EofClimateCorrelation, HugeClimateValuesEndInOverflow) {
+  for (const double huge : {1e308, -1e308}) {
+    Session s = Sites(12, 5, 3, 11);
+    s.ClimateData(4, 2) = huge;
+    NoProgress progress;
+    try {
+      const Array2<float> r = EccCorrelationMatrix(s, progress);
+      ADD_FAILURE() << "no failure; entry (1, 2) is " << r(1, 2);
+    } catch (const RuntimeFailure& e) {
+      EXPECT_EQ(e.kind(), FailureKind::Overflow);
+    }
+    try {
+      const double r = EccCorrelation(s, 1, 2);
+      ADD_FAILURE() << "no failure; the coefficient is " << r;
+    } catch (const RuntimeFailure& e) {
+      EXPECT_EQ(e.kind(), FailureKind::Overflow);
+    }
+  }
+}
+
+// Every value just below the overflow of the squares still gives a number.
+TEST(EofClimateCorrelation, LargeButSafeClimateValuesGiveFiniteCoefficients) {
+  Session s = Sites(12, 5, 3, 11);
+  for (long i = 1; i <= 12; ++i) s.ClimateData(i, 3) = (i % 2 ? 1e150 : -1e150) * i;
+  NoProgress progress;
+  const Array2<float> r = EccCorrelationMatrix(s, progress);
+  for (long e = 1; e <= 5; ++e) EXPECT_TRUE(std::isfinite(r(e, 3)));
+}

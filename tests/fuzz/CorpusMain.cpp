@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "FuzzSupport.h"
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 int main(int argc, char** argv) {
@@ -30,5 +32,17 @@ int main(int argc, char** argv) {
     LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
   }
   std::printf("%zu inputs, no invariant broken\n", files.size());
+  // A road target counts its stages: show how far the inputs got, and fail
+  // when none of them went the whole way.
+  const auto& stages = varnoth::fuzz::StagesReached();
+  bool end = false;
+  for (const auto& [stage, count] : stages) {
+    std::printf("  %5ld  %s\n", count, stage.c_str());
+    end = end || stage == varnoth::fuzz::kRoadEnd;
+  }
+  if (!stages.empty() && !end) {
+    std::printf("no input reached the end of the road\n");
+    return 1;
+  }
   return files.empty() ? 1 : 0;
 }

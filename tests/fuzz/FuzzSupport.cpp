@@ -44,6 +44,67 @@ std::string WriteInput(std::string_view tag, const std::uint8_t* data, std::size
   return path;
 }
 
+namespace {
+std::vector<std::pair<std::string, long>>& Stages() {
+  static std::vector<std::pair<std::string, long>> stages;
+  return stages;
+}
+}  // namespace
+
+void Reached(std::string_view stage) {
+  auto& stages = Stages();
+  for (auto& [name, count] : stages)
+    if (name == stage) {
+      ++count;
+      return;
+    }
+  stages.emplace_back(std::string(stage), 1);
+}
+
+const std::vector<std::pair<std::string, long>>& StagesReached() { return Stages(); }
+
+bool Saved(std::string_view call, bool written, const std::string& path) {
+  if (!written) return true;
+  if (!FileIsFinite(path)) return false;
+  // "SaveCurve(s, out, progress)" counts as "SaveCurve written".
+  Reached(std::string(call.substr(0, call.find('('))) + " written");
+  return true;
+}
+
+bool FileIsFinite(const std::string& path) {
+  std::FILE* f = std::fopen(path.c_str(), "rb");
+  if (!f) return false;
+  std::string text;
+  char buffer[65536];
+  for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, f)) > 0;) text.append(buffer, n);
+  std::fclose(f);
+  std::size_t start = 0;
+  while (start < text.size()) {
+    if (text[start] == '"') {
+      // A text field: up to its closing quote (a doubled quote stays inside).
+      std::size_t i = start + 1;
+      while (i < text.size()) {
+        if (text[i] == '"' && (i + 1 >= text.size() || text[i + 1] != '"')) break;
+        i += text[i] == '"' ? 2 : 1;
+      }
+      start = text.find_first_of(",\r\n", i);
+      if (start == std::string::npos) break;
+      ++start;
+      continue;
+    }
+    std::size_t end = text.find_first_of(",\r\n", start);
+    if (end == std::string::npos) end = text.size();
+    if (end > start) {
+      const std::string field = text.substr(start, end - start);
+      char* stop = nullptr;
+      const double v = std::strtod(field.c_str(), &stop);
+      if (stop == field.c_str() || *stop != '\0' || !std::isfinite(v)) return false;
+    }
+    start = end + 1;
+  }
+  return true;
+}
+
 const char* const kReferenceTable =
     "Site,Abies,Betula,Corylus,Pinus,Quercus\r\n"
     "S1,10,20,5,60,5\r\n"

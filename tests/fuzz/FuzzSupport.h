@@ -10,8 +10,11 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "state/Dialogs.h"
+#include "state/Failure.h"
 #include "state/Session.h"
 
 namespace varnoth::fuzz {
@@ -91,5 +94,42 @@ template <typename T>
 bool AllFinite(const Array2<T>& a) {
   return AllFinite(a.Data(), a.Rows() * a.Cols());
 }
+
+// Every number field of a written file (an unquoted one) is empty or a
+// finite number: no "NaN", "Inf" or digits that overflow.
+bool FileIsFinite(const std::string& path);
+
+// A setting drawn from the input: byte `at` of the first bytes, or 0 when
+// the input is shorter.
+inline unsigned Setting(const std::uint8_t* data, std::size_t size, std::size_t at) {
+  return at < size ? data[at] : 0u;
+}
+
+// Runs one stage of a road: true when it ended normally, false when it
+// ended in the run-time failure (where a window's boundary ends the event).
+template <typename F>
+bool Stage(F&& f) {
+  try {
+    f();
+    return true;
+  } catch (const RuntimeFailure&) {
+    return false;
+  }
+}
+
+// How far the inputs get down a road: every stage a road passes is counted
+// here, and the corpus runner reports the counts, so that seeds which stop
+// early show (and a road whose end no seed reaches fails the corpus test).
+void Reached(std::string_view stage);
+// The stages in the order first reached, with the number of inputs that
+// passed each.
+const std::vector<std::pair<std::string, long>>& StagesReached();
+// The stage a road target passes when an input went all the way.
+inline constexpr std::string_view kRoadEnd = "end of the road";
+
+// A save on the road: either the file failure (nothing written) or a file
+// of finite numbers; a written file counts as a stage named by the call.
+bool Saved(std::string_view call, bool written, const std::string& path);
+#define FUZZ_SAVED(written, path) FUZZ_REQUIRE(::varnoth::fuzz::Saved(#written, (written), (path)))
 
 }  // namespace varnoth::fuzz

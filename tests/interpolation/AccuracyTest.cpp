@@ -197,3 +197,21 @@ TEST_F(InterpFixture, TheAccuracyOfARunPairsEachStationWithItsNeighbours) {
   EXPECT_EQ(s.Interp.InterpRefEstimate(3, 1), 0);
   EXPECT_TRUE(p.Packed);
 }
+
+// An observed value near the largest double overflows the sums of squares:
+// the routine ends there as on any failure, so no NaN becomes the shown
+// coefficient, and the overflow is told to a caller that reports it.
+TEST_F(AccuracyFixture, AHugeStationValueEndsInOverflowNotANaNCoefficient) {
+  for (const double huge : {1e308, -1e308}) {
+    Given({1, 2, 3, 4}, {4, 3.5, huge, 0.2});
+    ScatterPairs p = ScatterPairsPL(s);
+    EXPECT_TRUE(p.Counted);
+    EXPECT_FALSE(p.Correlation) << *p.Correlation;
+    EXPECT_EQ(p.CorrelationText, "");
+    EXPECT_FALSE(p.Packed);
+    ASSERT_TRUE(p.Failure);
+    EXPECT_EQ(*p.Failure, FailureKind::Overflow);
+  }
+  Given({1, 2, 3}, {1, 2, 4});
+  EXPECT_FALSE(ScatterPairsPL(s).Failure);
+}

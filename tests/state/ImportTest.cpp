@@ -413,3 +413,19 @@ TEST_F(ImportFixture, LargeTableBeyondTheRowCapacityFails) {
   EXPECT_EQ(s.RefSiteCount, 9999);
   EXPECT_EQ(s.RefTaxaCount, 0);
 }
+
+TEST_F(ImportFixture, LargeTableBeyondTheRowCapacityNamesTheRowWhereReadingStopped) {
+  // The second half is read ahead; the failure still names row 10,001 of the
+  // file (the header is row 1), as the same table read in order does.
+  std::string t = LargeTable(30, 10000, false, [](int i) { return "S" + std::to_string(i); });
+  auto ahead = Ref(t);
+  EXPECT_FALSE(ahead.Ok);
+  EXPECT_NE(ahead.Problem.find("More than 9999 rows"), std::string::npos) << ahead.Problem;
+  EXPECT_NE(ahead.Problem.find(", row 10001, column 1"), std::string::npos) << ahead.Problem;
+  std::string cr;  // CR-only line ends: no line start to read ahead from
+  for (char c : t)
+    if (c != '\n') cr += c;
+  Session fresh;
+  auto inOrder = ImportReference(fresh, dir.Write("ref.csv", cr), dialogs, progress);
+  EXPECT_EQ(ahead.Problem, inOrder.Problem);
+}

@@ -95,7 +95,7 @@ bool Raising(F&& write) {
     write();
     return true;
   } catch (const RuntimeFailure& e) {
-    EXPECT_EQ(e.kind(), FailureKind::FileNotFound);
+    EXPECT_TRUE(IsFileFailure(e.kind())) << e.what();
     return false;
   }
 }
@@ -274,6 +274,39 @@ TEST_P(WriteFailure, FolderWithoutWritePermission) {
   EXPECT_FALSE(replaced);
   EXPECT_FALSE(created);
   EXPECT_EQ(ReadFile(existing), kOld);
+  EXPECT_EQ(Names(locked), std::vector<std::string>{"out.csv"});
+}
+
+// A folder that takes no new files but holds a file the user may write:
+// the file is rewritten in its place, and a full disk leaves it as it was
+// rather than cut short.
+TEST_P(WriteFailure, WritableFileInALockedFolder) {
+  TempDir dir;
+  const std::string locked = dir.Path("locked");
+  fs::create_directories(locked);
+  const std::string existing = locked + "/out.csv";
+  { std::ofstream(existing, std::ios::binary) << kOld; }
+  ::chmod(dir.Path("").c_str(), 0755);
+  ::chmod(existing.c_str(), 0666);
+  ::chmod(locked.c_str(), 0555);
+  bool onFullDisk, replaced;
+  std::string afterFullDisk;
+  WatchedProgress progress;
+  {
+    Unprivileged user;
+    if (!user.Usable()) GTEST_SKIP() << "cannot leave root's rights here";
+    {
+      FullDisk full(64);
+      onFullDisk = GetParam().Write(existing, progress);
+    }
+    afterFullDisk = ReadFile(existing);
+    replaced = GetParam().Write(existing, progress);
+  }
+  ::chmod(locked.c_str(), 0755);
+  EXPECT_FALSE(onFullDisk);
+  EXPECT_EQ(afterFullDisk, kOld);
+  EXPECT_TRUE(replaced);
+  EXPECT_GT(ReadFile(existing).size(), 60u);
   EXPECT_EQ(Names(locked), std::vector<std::string>{"out.csv"});
 }
 

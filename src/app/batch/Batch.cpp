@@ -3,6 +3,8 @@
 #include <cctype>
 #include <iostream>
 
+#include "state/RecordFile.h"
+
 namespace varnoth::batch {
 
 void BatchDialogs::Message(const std::string& text, const std::string&) {
@@ -21,7 +23,10 @@ void Stop(const std::string& message) {
 }
 
 void Written(bool written, const std::string& path) {
-  if (!written) Stop("Cannot write " + path + ".");
+  if (written) return;
+  // The cause as the system words it, with the file or folder it concerns.
+  if (lastSaveFailure.empty()) Stop("Cannot write " + path + ".");
+  Stop("Cannot write " + path + ": " + lastSaveFailure + ".");
 }
 
 std::string FilePart(const std::string& name) {

@@ -86,9 +86,7 @@ void Check(const Options& o) {
   throw RunStopped{};
 }
 
-void Write(bool written, const std::string& path) {
-  if (!written) Stop("Cannot write " + path + ".");
-}
+void Write(bool written, const std::string& path) { Written(written, path); }
 
 void RunCalibrationStep(Context& ctx) {
   Session& s = ctx.S;
@@ -118,7 +116,8 @@ void RunCalibrationStep(Context& ctx) {
   CalibSettings st = SettingsFrom(o);
   if (o.Has("--vest-vobs")) {
     const std::string path = o.Get("--vest-vobs");
-    if (!ImportPairFile(c, 1, path)) Stop("Cannot read the pair file " + path + ".");
+    std::string problem;
+    if (!ImportPairFile(c, 1, path, &problem)) Stop(problem);
     if (LenientParse(c.Labels.Label12[1]) <= 1)
       Stop("The pair file " + path + " holds fewer than two complete pairs.");
   } else {

@@ -23,13 +23,17 @@ void WriteEofClimate(Context& c) {
   const std::string path = c.Opts.Get("--climate");
   const ClimateImportResult imported = Inport_climate_data(s, path, c.Dialogs);
   if (!imported.Ok) {
-    if (imported.Failure == FailureKind::FileNotFound)
-      Stop("Cannot read the climate file " + path + ".");
-    if (imported.Failure) Stop(FailureName(*imported.Failure));
-    throw RunStopped{};  // the program's own message is out already
+    // After the program's own message, or in its place: what and where.
+    if (!imported.Problem.empty()) Stop(imported.Problem);
+    throw RunStopped{};
   }
   NoProgress progress;
-  const Array2<float> m = EccCorrelationMatrix(s, progress);
+  Array2<float> m;
+  try {
+    m = EccCorrelationMatrix(s, progress);
+  } catch (const RuntimeFailure& e) {
+    Stop(std::string(e.what()) + " in the EOF-climate correlation of " + path);
+  }
   // One row per EOF as the window's table has it, the parameters across.
   RecordWriter w;
   w.Text("EOF");

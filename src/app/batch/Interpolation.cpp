@@ -36,7 +36,8 @@ void Import(Context& c, Count mode, const std::string& option, const std::string
   const std::string path = c.Opts.Get(option);
   const InterpImportResult r = ImportData(c.S, mode, path, c.Dialogs);
   if (r.Ok) return;
-  if (r.Failure == FailureKind::FileNotFound) Stop("Cannot read the " + what + " " + path + ".");
+  if (r.Failure && IsFileFailure(*r.Failure))
+    Stop("Cannot read the " + what + " " + path + " (" + FailureName(*r.Failure) + ").");
   // After the program's own message, or in its place: what and where.
   Stop(r.Problem);
 }
@@ -52,11 +53,27 @@ void RunInterpolationStep(Context& c) {
                                                                       : InterpMode::Interpolation;
   st.Exponent = c.Opts.Get("--exponent", st.Exponent);
   st.Radius = c.Opts.Get("--radius", st.Radius);
-  DoInterpolation(s, st, progress);
+  try {
+    DoInterpolation(s, st, progress);
+  } catch (const RuntimeFailure& e) {
+    Stop(std::string(e.what()) + " in the interpolation of " + c.Opts.Get("--stations"));
+  }
+
+  // Every parameter's accuracy check before any file: a coefficient that
+  // overflowed ends the run with nothing of this step written.
+  InterpolationState& in = s.Interp;
+  for (Count k = 6; k <= in.InterpColumnCount; ++k) {
+    in.InterpCurrentParam = k;
+    const ScatterPairs pairs = ScatterPairsPL(s);
+    // (A value too large for the packed singles ends only the packing,
+    // after the coefficient, as in the window.)
+    if (pairs.Failure == FailureKind::Overflow && !pairs.Correlation)
+      Stop(std::string(FailureName(*pairs.Failure)) + " in the accuracy check of " +
+           in.InterpParamNames(k) + " from " + c.Opts.Get("--stations"));
+  }
 
   Written(SaveInterpolatedClimate(s, c.Out("climate.csv"), progress), c.Out("climate.csv"));
   Written(SaveTestFile(s, c.Out("stations-loo.csv"), progress), c.Out("stations-loo.csv"));
-  InterpolationState& in = s.Interp;
   for (Count k = 6; k <= in.InterpColumnCount; ++k) {
     in.InterpCurrentParam = k;
     ScatterPairsPL(s);

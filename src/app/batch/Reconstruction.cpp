@@ -125,8 +125,8 @@ void RunReconstructionStep(Context& c) {
   imported.Ok = s.SiteInfoLoaded;
   if (!imported.Ok) imported = Inport_climate_data(s, path, c.Dialogs);
   if (!imported.Ok) {
-    if (imported.Failure == FailureKind::FileNotFound)
-      Stop("Cannot read the climate file " + path + ".");
+    if (imported.Failure && IsFileFailure(*imported.Failure))
+      Stop("Cannot read the climate file " + path + " (" + FailureName(*imported.Failure) + ").");
     // After the program's own message, or in its place: what and where.
     Stop(imported.Problem);
   }

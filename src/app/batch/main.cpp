@@ -1,5 +1,8 @@
 // varnoth-batch: reproducible runs of the analyses from the command line.
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <iostream>
 #include <string>
@@ -74,6 +77,26 @@ Options Parse(int argc, char** argv) {
   return o;
 }
 
+// The files a run reads, by option. Each must be a plain file: a device such
+// as /dev/zero never ends, and a named pipe waits for a writer for ever.
+const std::vector<std::pair<std::string, std::string>> kInputs = {
+    {"--reference", "reference table"}, {"--fossil", "fossil table"}, {"--climate", "climate file"},
+    {"--stations", "station file"},     {"--targets", "target file"}, {"--vest-vobs", "pair file"}};
+
+void CheckInputs(const Options& o) {
+  for (const auto& [option, what] : kInputs) {
+    if (!o.Has(option)) continue;
+    const std::string path = o.Get(option);
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0)
+      Stop("Cannot read the " + what + " " + path + " (" + FailureName(FileFailureKind(errno)) +
+           ").");
+    if (!S_ISREG(info.st_mode))
+      Stop("Cannot read the " + what + " " + path + " (" +
+           FailureName(FailureKind::PathFileAccess) + "): it is not a regular file.");
+  }
+}
+
 FileStamp StampFrom(const Options& o) {
   if (!o.Has("--timestamp")) return CurrentStamp();
   std::string t = o.Get("--timestamp");
@@ -136,6 +159,7 @@ int main(int argc, char** argv) {
   Session session;
   try {
     Context context{session, dialogs, options, options.Get("--out"), StampFrom(options), nullptr};
+    CheckInputs(options);
     std::filesystem::create_directories(context.OutDir);
     for (const Step& s : Steps())
       if (s.Applies(options)) s.Run(context);
@@ -150,6 +174,10 @@ int main(int argc, char** argv) {
     return 1;
   } catch (const std::filesystem::filesystem_error& e) {
     std::cerr << "Error: " << e.what() << "\n";
+    return 1;
+  } catch (const std::bad_alloc&) {
+    // An allocation that failed anywhere on the road.
+    std::cerr << "Error: " << FailureName(FailureKind::OutOfMemory) << "\n";
     return 1;
   }
   if (example)
