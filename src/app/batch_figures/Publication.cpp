@@ -1,0 +1,36 @@
+#include "Publication.h"
+
+#include "presentation/publication/Figures.h"
+
+namespace varnoth::batch {
+
+namespace {
+
+struct PageWriter {
+  std::string Dir;
+  pub::PageFormat Format;
+  void operator()(const pub::Page& page, const std::string& name) const {
+    if (page.Height() <= 0) return;
+    pub::SavePage(page, Dir + "/" + name + "." + pub::PageExtension(Format), Format);
+  }
+};
+
+}  // namespace
+
+void DrawPublicationFigures(Context& c, const std::string& dir) {
+  Session& s = c.S;
+  const std::string format = c.Opts.Get("--figure-format", "svg");
+  const PageWriter write{dir, format == "pdf"   ? pub::PageFormat::Pdf
+                              : format == "png" ? pub::PageFormat::Png
+                                                : pub::PageFormat::Svg};
+  const double width = c.Opts.Get("--figure-width", "double") == "single" ? pub::kSingleColumnMm
+                                                                          : pub::kDoubleColumnMm;
+  const bool coreScored = s.ProjectionDone || (s.EofDone && s.FossilIsBase);
+  if (s.FossilSampleCount > 0 && s.FossilProportion.Allocated() && coreScored) {
+    pub::PollenOptions o = pub::DefaultPollenOptions(s, width);
+    o.Zones = std::stoi(c.Opts.Get("--zones", "0"));
+    write(pub::PollenDiagramFigure(s, o), "pollen-diagram");
+  }
+}
+
+}  // namespace varnoth::batch

@@ -1,0 +1,216 @@
+// The figures for papers, drawn from the example data set and read back
+// from their SVG: the texts a reader looks for (axis titles, tick labels,
+// taxon names), nothing off the page, no two texts on top of each other,
+// at one column and at the full page width; and the batch runner writes
+// the same drawing as the functions the windows call.
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "SvgLayout.h"
+#include "UiSupport.h"
+#include "diagram/Coniss.h"
+#include "presentation/publication/Axis.h"
+#include "presentation/publication/Figures.h"
+#include "presentation/publication/Tree.h"
+
+using namespace varnoth;
+using namespace varnoth::uitest;
+
+namespace {
+
+// The example road: both tables, the EOFs and the projection, and CONISS.
+struct Road : MainFixture {
+  Road() {
+    MainFixture::Road();
+    NoProgress none;
+    DoConiss(session, none);
+  }
+};
+
+SvgLayout Layout(const pub::Page& page) {
+  return ReadSvgLayout(QByteArray::fromStdString(page.Svg()));
+}
+
+QString Joined(const QStringList& l) { return l.join(QStringLiteral("; ")); }
+
+}  // namespace
+
+class tst_PublicationFigures : public QObject {
+  Q_OBJECT
+ private slots:
+  void ticksAreRoundAndInsideTheRange();
+  void tickLabelsUseATrueMinus();
+  void axisLabelsGiveWayToTextAlreadyThere();
+  void pollenDiagramReadsAtBothWidths();
+  void pollenDiagramKeepsTheTableOrderAndDepthDownwards();
+  void pollenDiagramLimitsTaxaByMaximum();
+  void pollenDiagramZonesCutTheTreeAtItsHighestJoins();
+  void pollenDiagramTitlesTextLabelsAsSample();
+  void batchWritesThePollenDiagramTheWindowsDraw();
+};
+
+void tst_PublicationFigures::ticksAreRoundAndInsideTheRange() {
+  const pub::Ticks t = pub::NiceTicks(0, 1090, 10);
+  QCOMPARE(t.Step, 200.0);
+  QCOMPARE(t.Values.front(), 0.0);
+  QCOMPARE(t.Values.back(), 1000.0);
+  const pub::Ticks f = pub::NiceTicks(-0.37, 0.81, 4);
+  QCOMPARE(f.Step, 0.5);
+  QCOMPARE(f.Decimals, 1);
+  QCOMPARE(f.Values.size(), std::size_t(2));  // 0 and 0.5: -0.5 and 1 lie outside
+  double lo = -0.37, hi = 0.81;
+  pub::NiceRange(lo, hi, 4);
+  QCOMPARE(lo, -0.5);
+  QCOMPARE(hi, 1.0);
+}
+
+void tst_PublicationFigures::tickLabelsUseATrueMinus() {
+  QCOMPARE(pub::TickLabel(-2.5, 1), QString(QChar(0x2212)) + "2.5");
+  QCOMPARE(pub::TickLabel(-0.0001, 1), QString("0.0"));  // no minus zero
+  QCOMPARE(pub::TickLabel(20, 0), QString("20"));
+}
+
+void tst_PublicationFigures::axisLabelsGiveWayToTextAlreadyThere() {
+  pub::Page page(50, 30);
+  const pub::FigureStyle st = pub::StyleFor(50);
+  pub::TextStyle ts;
+  ts.H = pub::HAlign::Centre;
+  ts.V = pub::VAlign::Top;
+  // A word where the label of 5 would stand.
+  page.Text(25, 20 + st.TickMm + st.LabelGapMm, "word", ts);
+  pub::Axis a = pub::MakeAxis(pub::Side::Bottom, {0, 10, 5, 45}, pub::NiceTicks(0, 10, 2), "x");
+  pub::DrawAxis(page, a, 20, st);
+  const SvgLayout l = Layout(page);
+  QVERIFY(l.HasText("0"));
+  QVERIFY(l.HasText("10"));
+  QVERIFY(!l.HasText("5"));
+  QVERIFY2(l.Overlaps().isEmpty(), qPrintable(Joined(l.Overlaps())));
+}
+
+void tst_PublicationFigures::pollenDiagramReadsAtBothWidths() {
+  Road f;
+  for (double width : {pub::kSingleColumnMm, pub::kDoubleColumnMm}) {
+    pub::PollenOptions o = pub::DefaultPollenOptions(f.session, width);
+    o.Zones = 4;
+    const pub::Page page = pub::PollenDiagramFigure(f.session, o);
+    QCOMPARE(page.Width(), width);
+    const SvgLayout l = Layout(page);
+    QVERIFY(l.Valid);
+    QCOMPARE(l.Width, width);
+    for (const char* words : {"Depth", "Percentage (%)", "EOF-1 score", "Sum of squares", "CONISS",
+                              "EOF-1", "0", "200", "1000", "G.ruber", "G.saccu"})
+      QVERIFY2(l.HasText(words), words);
+    QVERIFY2(l.OffPage().isEmpty(), qPrintable(Joined(l.OffPage())));
+    QVERIFY2(l.Overlaps().isEmpty(), qPrintable(Joined(l.Overlaps())));
+    // The dominant taxon's scale reads 0, 20 and 40 per cent; at one
+    // column's width 0 and 25.
+    if (width > 100)
+      QVERIFY(l.HasText("20") && l.HasText("40"));
+    else
+      QVERIFY(l.HasText("25"));
+  }
+  // At the full width every taxon of the table has its column.
+  const SvgLayout wide =
+      Layout(pub::PollenDiagramFigure(f.session, pub::DefaultPollenOptions(f.session, 175)));
+  for (long t = 1; t <= f.session.FossilTaxaCount; ++t)
+    QVERIFY2(wide.HasText(QString::fromStdString(f.session.FossilTaxaNames(t))),
+             f.session.FossilTaxaNames(t).c_str());
+}
+
+void tst_PublicationFigures::pollenDiagramKeepsTheTableOrderAndDepthDownwards() {
+  Road f;
+  const SvgLayout l =
+      Layout(pub::PollenDiagramFigure(f.session, pub::DefaultPollenOptions(f.session, 175)));
+  auto find = [&](const QString& w) {
+    for (const SvgText& t : l.Texts)
+      if (t.Words == w) return t.Box;
+    return QRectF();
+  };
+  double lastX = -1;
+  for (long t = 1; t <= f.session.FossilTaxaCount; ++t) {
+    const QRectF box = find(QString::fromStdString(f.session.FossilTaxaNames(t)));
+    QVERIFY(box.x() > lastX);
+    // Names stand over the plot, turned to read upwards.
+    QVERIFY(box.height() > box.width());
+    lastX = box.x();
+  }
+  // Depth grows downwards: 200 over 1000.
+  QVERIFY(find("200").center().y() < find("1000").center().y());
+  QVERIFY(find("G.ruber").bottom() < find("200").top());
+}
+
+void tst_PublicationFigures::pollenDiagramLimitsTaxaByMaximum() {
+  Road f;
+  pub::PollenOptions o = pub::DefaultPollenOptions(f.session, 175);
+  o.MinMaxPercent = 10;
+  const SvgLayout l = Layout(pub::PollenDiagramFigure(f.session, o));
+  for (long t = 1; t <= f.session.FossilTaxaCount; ++t) {
+    double m = 0;
+    for (long i = 1; i <= f.session.FossilSampleCount; ++i)
+      m = std::max(m, f.session.FossilProportion(i, t) * 100);
+    QCOMPARE(l.HasText(QString::fromStdString(f.session.FossilTaxaNames(t))), m >= 10);
+  }
+}
+
+void tst_PublicationFigures::pollenDiagramZonesCutTheTreeAtItsHighestJoins() {
+  Road f;
+  const pub::ConissTree tree = pub::ReplayConiss(f.session);
+  QCOMPARE(static_cast<long>(tree.size()), f.session.FossilSampleCount - 1);
+  // The last join holds every sample.
+  QCOMPARE(tree.back().LeftFirst, 1L);
+  QCOMPARE(tree.back().RightLast, static_cast<long>(f.session.FossilSampleCount));
+  for (const pub::ConissJoin& j : tree) QCOMPARE(j.LeftLast + 1, j.RightFirst);
+  // Two zones: the cut of the highest join.
+  const pub::ConissJoin* top = &tree[0];
+  for (const pub::ConissJoin& j : tree)
+    if (j.Height > top->Height) top = &j;
+  QCOMPARE(pub::ZoneBoundaries(tree, 2), std::vector<long>{top->LeftLast});
+  const std::vector<long> four = pub::ZoneBoundaries(tree, 4);
+  QCOMPARE(four.size(), std::size_t(3));
+  QVERIFY(std::is_sorted(four.begin(), four.end()));
+  // Drawn as dashed lines, none without zones.
+  pub::PollenOptions o = pub::DefaultPollenOptions(f.session, 175);
+  const int without = Layout(pub::PollenDiagramFigure(f.session, o)).DashedLines;
+  o.Zones = 4;
+  QCOMPARE(Layout(pub::PollenDiagramFigure(f.session, o)).DashedLines, without + 3);
+}
+
+void tst_PublicationFigures::pollenDiagramTitlesTextLabelsAsSample() {
+  MainFixture f;
+  f.ImportReference(Example("reference.csv"));
+  f.Confirm();
+  // The example core with its depths turned into names.
+  QByteArray fossil = ReadAll(QString::fromStdString(Example("fossil.csv")));
+  QList<QByteArray> lines = fossil.split('\n');
+  for (int i = 1; i < lines.size(); ++i)
+    if (!lines[i].trimmed().isEmpty())
+      lines[i] = "S" + QByteArray::number(i) + lines[i].mid(lines[i].indexOf(','));
+  f.ImportFossil(f.Write("named.csv", lines.join('\n')));
+  QVERIFY(f.session.FossilLabelsAreText);
+  const pub::PollenOptions o = pub::DefaultPollenOptions(f.session, 175);
+  QCOMPARE(o.DepthTitle, QString("Sample"));
+  const SvgLayout l = Layout(pub::PollenDiagramFigure(f.session, o));
+  QVERIFY(l.HasText("Sample"));
+  QVERIFY(l.HasText("S1"));
+  QVERIFY(!l.HasText("CONISS"));  // no tree was computed
+  QVERIFY2(l.Overlaps().isEmpty(), qPrintable(Joined(l.Overlaps())));
+  QVERIFY2(l.OffPage().isEmpty(), qPrintable(Joined(l.OffPage())));
+}
+
+void tst_PublicationFigures::batchWritesThePollenDiagramTheWindowsDraw() {
+  QTemporaryDir dir;
+  QVERIFY(BatchOnExamples({"--coniss", "--out", dir.path() + "/out", "--figures",
+                           dir.path() + "/fig", "--figure-style", "publication", "--zones", "3"}));
+  Road f;
+  pub::PollenOptions o = pub::DefaultPollenOptions(f.session, 175);
+  o.Zones = 3;
+  const QByteArray drawn = QByteArray::fromStdString(pub::PollenDiagramFigure(f.session, o).Svg());
+  QCOMPARE(ReadAll(dir.path() + "/fig/pollen-diagram.svg"), drawn);
+  // Only the figures for papers: no screen pictures beside them.
+  QVERIFY(!QFile::exists(dir.path() + "/fig/diagram.svg"));
+}
+
+QTEST_MAIN(tst_PublicationFigures)
+#include "tst_PublicationFigures.moc"
