@@ -14,6 +14,7 @@
 #include "presentation/publication/Axis.h"
 #include "presentation/publication/Figures.h"
 #include "presentation/publication/Tree.h"
+#include "ui/frmMAT.h"
 
 using namespace varnoth;
 using namespace varnoth::uitest;
@@ -26,6 +27,19 @@ struct Road : MainFixture {
     MainFixture::Road();
     NoProgress none;
     DoConiss(session, none);
+  }
+};
+
+// The road on to the reconstruction window with the example climate.
+struct Reconstructed : MainFixture {
+  frmMAT* m = nullptr;
+  Reconstructed() {
+    MainFixture::Road();
+    window->Command8->click();
+    m = window->MATWindow();
+    dialogs.OpenNames.push_back(Example("climate.csv"));
+    m->Command1->click();
+    QCoreApplication::processEvents();
   }
 };
 
@@ -49,6 +63,9 @@ class tst_PublicationFigures : public QObject {
   void pollenDiagramZonesCutTheTreeAtItsHighestJoins();
   void pollenDiagramTitlesTextLabelsAsSample();
   void batchWritesThePollenDiagramTheWindowsDraw();
+  void reconstructionReadsAtBothWidths();
+  void reconstructionShowsTheAnalogueCountWhenAsked();
+  void batchWritesTheReconstructionTheWindowsDraw();
 };
 
 void tst_PublicationFigures::ticksAreRoundAndInsideTheRange() {
@@ -210,6 +227,58 @@ void tst_PublicationFigures::batchWritesThePollenDiagramTheWindowsDraw() {
   QCOMPARE(ReadAll(dir.path() + "/fig/pollen-diagram.svg"), drawn);
   // Only the figures for papers: no screen pictures beside them.
   QVERIFY(!QFile::exists(dir.path() + "/fig/diagram.svg"));
+}
+
+void tst_PublicationFigures::reconstructionReadsAtBothWidths() {
+  Reconstructed f;
+  QVERIFY(f.session.ClimateLoaded);
+  for (double width : {pub::kSingleColumnMm, pub::kDoubleColumnMm})
+    for (long p = 1; p <= f.session.ClimateParamCount; ++p) {
+      const pub::Page page =
+          pub::ReconstructionFigure(f.session, p, pub::DefaultCurveOptions(f.session, width));
+      const SvgLayout l = Layout(page);
+      QCOMPARE(l.Width, width);
+      const QString name = QString::fromStdString(f.session.ClimateParamNames(p));
+      for (const QString& words :
+           {QString("Depth"), name, QString("Estimate"), QString("Analogue range"),
+            QString("Moving average (3)"), QString("0"), QString("1000")})
+        QVERIFY2(l.HasText(words), qPrintable(words));
+      QVERIFY(!l.HasText("Analogues"));
+      QVERIFY2(l.OffPage().isEmpty(), qPrintable(Joined(l.OffPage())));
+      QVERIFY2(l.Overlaps().isEmpty(), qPrintable(Joined(l.Overlaps())));
+    }
+  // The example's summer temperatures lie between 23 and 29 degrees.
+  const SvgLayout sst =
+      Layout(pub::ReconstructionFigure(f.session, 1, pub::DefaultCurveOptions(f.session, 175)));
+  QVERIFY(sst.HasText("SumSST") && sst.HasText("24") && sst.HasText("28"));
+}
+
+void tst_PublicationFigures::reconstructionShowsTheAnalogueCountWhenAsked() {
+  Reconstructed f;
+  pub::CurveOptions o = pub::DefaultCurveOptions(f.session, 85);
+  o.AnalogueCount = true;
+  o.Smoothing = 1;
+  o.ErrorBand = false;
+  const SvgLayout l = Layout(pub::ReconstructionFigure(f.session, 2, o));
+  QVERIFY(l.HasText("Analogues"));
+  QVERIFY(!l.HasText("Analogue range"));
+  QVERIFY(!l.HasText("Moving average (1)"));
+  QVERIFY2(l.OffPage().isEmpty(), qPrintable(Joined(l.OffPage())));
+  QVERIFY2(l.Overlaps().isEmpty(), qPrintable(Joined(l.Overlaps())));
+}
+
+void tst_PublicationFigures::batchWritesTheReconstructionTheWindowsDraw() {
+  QTemporaryDir dir;
+  QVERIFY(BatchOnExamples({"--climate", QString::fromStdString(Example("climate.csv")), "--out",
+                           dir.path() + "/out", "--figures", dir.path() + "/fig", "--figure-style",
+                           "publication", "--figure-width", "single"}));
+  Reconstructed f;
+  for (long p = 1; p <= f.session.ClimateParamCount; ++p) {
+    const QString name = QString::fromStdString(f.session.ClimateParamNames(p));
+    const QByteArray drawn = QByteArray::fromStdString(
+        pub::ReconstructionFigure(f.session, p, pub::DefaultCurveOptions(f.session, 85)).Svg());
+    QCOMPARE(ReadAll(dir.path() + "/fig/reconstruction-" + name + ".svg"), drawn);
+  }
 }
 
 QTEST_MAIN(tst_PublicationFigures)

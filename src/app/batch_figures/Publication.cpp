@@ -31,6 +31,13 @@ void DrawPublicationFigures(Context& c, const std::string& dir) {
     o.Zones = std::stoi(c.Opts.Get("--zones", "0"));
     write(pub::PollenDiagramFigure(s, o), "pollen-diagram");
   }
+  if (s.ClimateLoaded && coreScored && s.FossilSampleCount > 0 && s.ReconValue.Allocated()) {
+    const Count was = s.CurrentParameter;
+    for (long p = 1; p <= s.ClimateParamCount; ++p)
+      write(pub::ReconstructionFigure(s, p, pub::DefaultCurveOptions(s, width)),
+            "reconstruction-" + FilePart(s.ClimateParamNames(p)));
+    s.CurrentParameter = was;
+  }
 }
 
 }  // namespace varnoth::batch
