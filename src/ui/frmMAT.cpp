@@ -16,10 +16,12 @@
 #include <algorithm>
 #include <tuple>
 
+#include "presentation/publication/Figures.h"
 #include "reconstruction/ClimateImport.h"
 #include "ui/Controls.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
+#include "ui/PublicationExport.h"
 #include "ui/frmCalib.h"
 #include "ui/frmDiagram.h"
 
@@ -263,6 +265,17 @@ void frmMAT::BuildMenus() {
     pictures.push_back({QString("mnuEditPicture") + n, caption, of, copy});
   }
   AddSavePictureMenu(mnuEdit, dialogs_, boundary_, pictures);
+  // The curve drawn again for a paper.
+  const DrawPublication curve = [this](const PublicationChoice& c) {
+    pub::CurveOptions o = pub::DefaultCurveOptions(s_, c.WidthMm);
+    o.Smoothing = Slider6->value();
+    o.AnalogueCount = c.AnalogueCount;
+    return pub::ReconstructionFigure(s_, s_.CurrentParameter, o);
+  };
+  for (QMenu* menu : {mnuRB1, mnuEdit})
+    AddPublicationEntry(
+        menu, menu == mnuEdit ? "mnuEditPublication1" : "mnuPublication1", dialogs_, boundary_,
+        this, PublicationKind::Reconstruction, [] { return false; }, curve, mnuCopy1);
 }
 
 void frmMAT::Open() {

@@ -14,6 +14,8 @@
 #include "presentation/publication/Axis.h"
 #include "presentation/publication/Figures.h"
 #include "presentation/publication/Tree.h"
+#include "ui/PublicationExport.h"
+#include "ui/frmDiagram.h"
 #include "ui/frmMAT.h"
 
 using namespace varnoth;
@@ -64,6 +66,9 @@ class tst_PublicationFigures : public QObject {
   void pollenDiagramTitlesTextLabelsAsSample();
   void batchWritesThePollenDiagramTheWindowsDraw();
   void reconstructionReadsAtBothWidths();
+  void diagramWindowSavesTheSameDrawingFromEveryMenu();
+  void reconstructionWindowSavesTheCurveAtTheChosenWidth();
+  void cancelledChoiceWritesNothing();
   void reconstructionShowsTheAnalogueCountWhenAsked();
   void batchWritesTheReconstructionTheWindowsDraw();
 };
@@ -279,6 +284,87 @@ void tst_PublicationFigures::batchWritesTheReconstructionTheWindowsDraw() {
         pub::ReconstructionFigure(f.session, p, pub::DefaultCurveOptions(f.session, 85)).Svg());
     QCOMPARE(ReadAll(dir.path() + "/fig/reconstruction-" + name + ".svg"), drawn);
   }
+}
+
+namespace {
+// The answer of the choice dialog, and the file the save dialog gives.
+QString SaveFromEntry(MainFixture& f, QAction* entry, const QString& name,
+                      const PublicationChoice& choice, int filter) {
+  SetPublicationAnswer([choice](PublicationKind) { return choice; });
+  const QString path = f.folder.path() + "/" + name;
+  f.dialogs.SaveNames.push_back(path.toStdString());
+  f.dialogs.SaveChoices.push_back(filter);
+  entry->trigger();
+  SetPublicationAnswer({});
+  return path;
+}
+}  // namespace
+
+void tst_PublicationFigures::diagramWindowSavesTheSameDrawingFromEveryMenu() {
+  Road f;
+  f.window->Command14->click();
+  frmDiagram* d = f.window->DiagramWindow();
+  QVERIFY(d);
+  PublicationChoice c;
+  c.WidthMm = pub::kSingleColumnMm;
+  c.Zones = 3;
+  pub::PollenOptions o = pub::DefaultPollenOptions(f.session, pub::kSingleColumnMm);
+  o.Zones = 3;
+  o.ShownEof = d->Settings().ShownEof;
+  const QByteArray expected =
+      QByteArray::fromStdString(pub::PollenDiagramFigure(f.session, o).Svg());
+  for (const char* name :
+       {"mnuPublicationRB1", "mnuPublicationRB2", "mnuPublicationRB3", "mnuEditPublication"}) {
+    QAction* entry = d->findChild<QAction*>(name);
+    QVERIFY2(entry, name);
+    QCOMPARE(entry->text(), QString("Save Figure for Publication..."));
+    // Without an extension the chosen kind of file names it.
+    const QString path = SaveFromEntry(f, entry, QString(name), c, 0);
+    QCOMPARE(ReadAll(path + ".svg"), expected);
+  }
+  // Beside "Save Picture As..." in the figure's menu.
+  const QList<QAction*> menu = d->RB1->actions();
+  const auto at = [&](const char* n) {
+    for (int i = 0; i < menu.size(); ++i)
+      if (menu[i]->objectName() == n) return i;
+    return -1;
+  };
+  QCOMPARE(at("mnuPublicationRB1"), at("mnuSavePictureDiagram") + 1);
+  QVERIFY(f.dialogs.Messages.empty());
+}
+
+void tst_PublicationFigures::reconstructionWindowSavesTheCurveAtTheChosenWidth() {
+  Reconstructed f;
+  QAction* entry = f.m->findChild<QAction*>("mnuPublication1");
+  QVERIFY(entry && entry->isEnabled());
+  QVERIFY(f.m->findChild<QAction*>("mnuEditPublication1"));
+  PublicationChoice c;  // the default: double column
+  QCOMPARE(c.WidthMm, 175.0);
+  const QString pdf = SaveFromEntry(f, entry, "curve.pdf", c, 1);
+  QVERIFY(ReadAll(pdf).startsWith("%PDF-"));
+  const QImage png(SaveFromEntry(f, entry, "curve.png", c, 2));
+  // 175 mm at 600 dots per inch.
+  QCOMPARE(png.width(), 4134);
+  QCOMPARE(png.dotsPerMeterX(), 23622);
+  const QString svg = SaveFromEntry(f, entry, "curve.svg", c, 0);
+  pub::CurveOptions o = pub::DefaultCurveOptions(f.session, 175);
+  QCOMPARE(ReadAll(svg),
+           QByteArray::fromStdString(
+               pub::ReconstructionFigure(f.session, f.session.CurrentParameter, o).Svg()));
+  QVERIFY(ReadSvgLayout(ReadAll(svg))
+              .HasText(
+                  QString::fromStdString(f.session.ClimateParamNames(f.session.CurrentParameter))));
+}
+
+void tst_PublicationFigures::cancelledChoiceWritesNothing() {
+  Road f;
+  f.window->Command14->click();
+  SetPublicationAnswer([](PublicationKind) { return std::optional<PublicationChoice>(); });
+  f.dialogs.SaveNames.push_back((f.folder.path() + "/never.svg").toStdString());
+  f.window->DiagramWindow()->findChild<QAction*>("mnuEditPublication")->trigger();
+  SetPublicationAnswer({});
+  QVERIFY(!QFile::exists(f.folder.path() + "/never.svg"));
+  QVERIFY(f.dialogs.Messages.empty());
 }
 
 QTEST_MAIN(tst_PublicationFigures)
