@@ -59,7 +59,7 @@ std::optional<PublicationChoice> AskPublicationChoice(QWidget* parent, Publicati
     exaggerate = new QCheckBox("Ten times exaggeration outline", &dialog);
     exaggerate->setObjectName("chkExaggerate");
     form->addRow(exaggerate);
-  } else {
+  } else if (kind == PublicationKind::Reconstruction) {
     analogues = new QCheckBox("Analogue count beside the curve", &dialog);
     analogues->setObjectName("chkAnalogueCount");
     form->addRow(analogues);

@@ -20,7 +20,7 @@ inline constexpr const char* kPublicationFilter =
     "SVG drawing(*.svg)|*.svg|PDF document(*.pdf)|*.pdf|PNG image, 600 dpi(*.png)|*.png";
 
 // Which of the figure's own choices the dialog offers besides the width.
-enum class PublicationKind { PollenDiagram, Reconstruction };
+enum class PublicationKind { PollenDiagram, Reconstruction, WidthOnly };
 
 struct PublicationChoice {
   double WidthMm = pub::kDoubleColumnMm;

@@ -272,10 +272,16 @@ void frmMAT::BuildMenus() {
     o.AnalogueCount = c.AnalogueCount;
     return pub::ReconstructionFigure(s_, s_.CurrentParameter, o);
   };
+  const DrawPublication scatter = [this](const PublicationChoice& c) {
+    return pub::EstObsFigure(s_, s_.CurrentParameter, c.WidthMm);
+  };
+  const auto no = [] { return false; };
   for (QMenu* menu : {mnuRB1, mnuEdit})
-    AddPublicationEntry(
-        menu, menu == mnuEdit ? "mnuEditPublication1" : "mnuPublication1", dialogs_, boundary_,
-        this, PublicationKind::Reconstruction, [] { return false; }, curve, mnuCopy1);
+    AddPublicationEntry(menu, menu == mnuEdit ? "mnuEditPublication1" : "mnuPublication1", dialogs_,
+                        boundary_, this, PublicationKind::Reconstruction, no, curve, mnuCopy1);
+  for (QMenu* menu : {mnuRB2, mnuEdit})
+    AddPublicationEntry(menu, menu == mnuEdit ? "mnuEditPublication2" : "mnuPublication2", dialogs_,
+                        boundary_, this, PublicationKind::WidthOnly, no, scatter, mnuCopy2);
 }
 
 void frmMAT::Open() {

@@ -14,6 +14,7 @@
 #include "presentation/publication/Axis.h"
 #include "presentation/publication/Figures.h"
 #include "presentation/publication/Tree.h"
+#include "reconstruction/Curves.h"
 #include "ui/PublicationExport.h"
 #include "ui/frmDiagram.h"
 #include "ui/frmMAT.h"
@@ -69,6 +70,8 @@ class tst_PublicationFigures : public QObject {
   void diagramWindowSavesTheSameDrawingFromEveryMenu();
   void reconstructionWindowSavesTheCurveAtTheChosenWidth();
   void cancelledChoiceWritesNothing();
+  void estObsReadsAtBothWidths();
+  void estObsNeedsTheErrorModel();
   void reconstructionShowsTheAnalogueCountWhenAsked();
   void batchWritesTheReconstructionTheWindowsDraw();
 };
@@ -276,13 +279,16 @@ void tst_PublicationFigures::batchWritesTheReconstructionTheWindowsDraw() {
   QTemporaryDir dir;
   QVERIFY(BatchOnExamples({"--climate", QString::fromStdString(Example("climate.csv")), "--out",
                            dir.path() + "/out", "--figures", dir.path() + "/fig", "--figure-style",
-                           "publication", "--figure-width", "single"}));
+                           "publication", "--figure-width", "single", "--error-model"}));
   Reconstructed f;
+  f.m->Command3->click();
   for (long p = 1; p <= f.session.ClimateParamCount; ++p) {
     const QString name = QString::fromStdString(f.session.ClimateParamNames(p));
     const QByteArray drawn = QByteArray::fromStdString(
         pub::ReconstructionFigure(f.session, p, pub::DefaultCurveOptions(f.session, 85)).Svg());
     QCOMPARE(ReadAll(dir.path() + "/fig/reconstruction-" + name + ".svg"), drawn);
+    QCOMPARE(ReadAll(dir.path() + "/fig/est-obs-" + name + ".svg"),
+             QByteArray::fromStdString(pub::EstObsFigure(f.session, p, 85).Svg()));
   }
 }
 
@@ -365,6 +371,45 @@ void tst_PublicationFigures::cancelledChoiceWritesNothing() {
   SetPublicationAnswer({});
   QVERIFY(!QFile::exists(f.folder.path() + "/never.svg"));
   QVERIFY(f.dialogs.Messages.empty());
+}
+
+void tst_PublicationFigures::estObsReadsAtBothWidths() {
+  Reconstructed f;
+  f.m->Command3->click();  // "Generate error model"
+  QVERIFY(f.session.ErrorModelReady);
+  for (double width : {pub::kSingleColumnMm, pub::kDoubleColumnMm})
+    for (long p = 1; p <= f.session.ClimateParamCount; ++p) {
+      const SvgLayout l = Layout(pub::EstObsFigure(f.session, p, width));
+      const QString name = QString::fromStdString(f.session.ClimateParamNames(p));
+      QVERIFY(l.HasText("Observed " + name));
+      QVERIFY(l.HasText("Estimated " + name));
+      QCOMPARE(l.HasText(QString("Estimated ") + QChar(0x2212) + " observed"), width > 100);
+      const std::optional<double> r = EstObsCorrelation(f.session, p);
+      QVERIFY(r);
+      QVERIFY(l.HasText("R = " + pub::FigureNumber(*r, 3)));
+      QVERIFY(l.HasText("RMSEP = " + pub::FigureNumber(*pub::Rmsep(f.session, p), 2)));
+      QVERIFY2(l.OffPage().isEmpty(), qPrintable(Joined(l.OffPage())));
+      QVERIFY2(l.Overlaps().isEmpty(), qPrintable(Joined(l.Overlaps())));
+    }
+  // From the window's scatter menu: the same drawing.
+  QAction* entry = f.m->findChild<QAction*>("mnuPublication2");
+  QVERIFY(entry && entry->isEnabled());
+  PublicationChoice c;
+  c.WidthMm = 85;
+  const QString svg = SaveFromEntry(f, entry, "scatter.svg", c, 0);
+  QCOMPARE(ReadAll(svg), QByteArray::fromStdString(
+                             pub::EstObsFigure(f.session, f.session.CurrentParameter, 85).Svg()));
+  QVERIFY(f.m->findChild<QAction*>("mnuEditPublication2"));
+  // SumSST: the observed values run from 2 to 29 degrees, the axes from 0 to 30.
+  const SvgLayout sst = Layout(pub::EstObsFigure(f.session, 1, 85));
+  QVERIFY(sst.HasText("0") && sst.HasText("30"));
+}
+
+void tst_PublicationFigures::estObsNeedsTheErrorModel() {
+  Reconstructed f;
+  QVERIFY(!f.session.ErrorModelReady);
+  QCOMPARE(pub::EstObsFigure(f.session, 1, 85).Height(), 0.0);
+  QVERIFY(!pub::Rmsep(f.session, 1));
 }
 
 QTEST_MAIN(tst_PublicationFigures)

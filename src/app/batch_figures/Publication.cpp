@@ -36,6 +36,9 @@ void DrawPublicationFigures(Context& c, const std::string& dir) {
     for (long p = 1; p <= s.ClimateParamCount; ++p)
       write(pub::ReconstructionFigure(s, p, pub::DefaultCurveOptions(s, width)),
             "reconstruction-" + FilePart(s.ClimateParamNames(p)));
+    if (s.ErrorModelReady)
+      for (long p = 1; p <= s.ClimateParamCount; ++p)
+        write(pub::EstObsFigure(s, p, width), "est-obs-" + FilePart(s.ClimateParamNames(p)));
     s.CurrentParameter = was;
   }
 }

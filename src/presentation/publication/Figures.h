@@ -5,6 +5,7 @@
 // for Publication..." and varnoth-batch --figure-style publication draw
 // them with the same functions and the same choices.
 #include <QString>
+#include <optional>
 #include <string>
 
 #include "presentation/publication/Page.h"
@@ -52,8 +53,12 @@ Page ReconstructionFigure(Session& s, long parameter, const CurveOptions& o);
 CurveOptions DefaultCurveOptions(const Session& s, double widthMm);
 
 // The leave-one-out estimates against the observed values of one
-// parameter, both axes over the observed range, the 1:1 line, R and RMSEP.
+// parameter, both axes over the observed range, the 1:1 line, R and RMSEP;
+// at two columns' width the residuals beside it. An empty page (height 0)
+// without an error model.
 Page EstObsFigure(const Session& s, long parameter, double widthMm);
+// The root mean square of estimate less observed over the pairs with both.
+std::optional<double> Rmsep(const Session& s, long parameter);
 
 // The reference sites, the fossil samples and the taxa in the plane of two
 // EOFs, axes titled with their share of the variance.
