@@ -72,6 +72,7 @@ class tst_PublicationFigures : public QObject {
   void cancelledChoiceWritesNothing();
   void estObsReadsAtBothWidths();
   void estObsNeedsTheErrorModel();
+  void eofScatterReadsAtBothWidths();
   void reconstructionShowsTheAnalogueCountWhenAsked();
   void batchWritesTheReconstructionTheWindowsDraw();
 };
@@ -410,6 +411,33 @@ void tst_PublicationFigures::estObsNeedsTheErrorModel() {
   QVERIFY(!f.session.ErrorModelReady);
   QCOMPARE(pub::EstObsFigure(f.session, 1, 85).Height(), 0.0);
   QVERIFY(!pub::Rmsep(f.session, 1));
+}
+
+void tst_PublicationFigures::eofScatterReadsAtBothWidths() {
+  Road f;
+  const Count a = f.session.DisplayAxes(1), b = f.session.DisplayAxes(2);
+  const QString ax = QString("EOF-%1 (%2 %)").arg(a).arg(f.session.Contribution(a), 0, 'f', 1);
+  const QString bx = QString("EOF-%1 (%2 %)").arg(b).arg(f.session.Contribution(b), 0, 'f', 1);
+  for (double width : {pub::kSingleColumnMm, pub::kDoubleColumnMm}) {
+    const SvgLayout l = Layout(pub::EofScatterFigure(f.session, a, b, width));
+    QCOMPARE(l.Width, width);
+    for (const QString& words : {ax, bx, QString("Reference sites"), QString("Fossil samples"),
+                                 QString("Taxa"), QString("G.ruber"), QString("G.pac.L")})
+      QVERIFY2(l.HasText(words), qPrintable(words));
+    QVERIFY2(l.OffPage().isEmpty(), qPrintable(Joined(l.OffPage())));
+    QVERIFY2(l.Overlaps().isEmpty(), qPrintable(Joined(l.Overlaps())));
+  }
+  // The example's first EOF holds 57.2 % of the variance.
+  QCOMPARE(ax, QString("EOF-1 (57.2 %)"));
+  // From the main window's figure menus: the same drawing.
+  QAction* entry = f.window->findChild<QAction*>("mnuPublication2L");
+  QVERIFY(entry && entry->isEnabled());
+  PublicationChoice c;
+  const QString svg = SaveFromEntry(f, entry, "plane.svg", c, 0);
+  QCOMPARE(ReadAll(svg),
+           QByteArray::fromStdString(pub::EofScatterFigure(f.session, a, b, 175).Svg()));
+  for (const char* name : {"mnuPublication1L", "mnuPublication1R", "mnuPublication2R"})
+    QVERIFY2(f.window->findChild<QAction*>(name), name);
 }
 
 QTEST_MAIN(tst_PublicationFigures)

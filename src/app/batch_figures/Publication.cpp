@@ -26,6 +26,8 @@ void DrawPublicationFigures(Context& c, const std::string& dir) {
   const double width = c.Opts.Get("--figure-width", "double") == "single" ? pub::kSingleColumnMm
                                                                           : pub::kDoubleColumnMm;
   const bool coreScored = s.ProjectionDone || (s.EofDone && s.FossilIsBase);
+  if (s.EofDone)
+    write(pub::EofScatterFigure(s, s.DisplayAxes(1), s.DisplayAxes(2), width), "eof-scatter");
   if (s.FossilSampleCount > 0 && s.FossilProportion.Allocated() && coreScored) {
     pub::PollenOptions o = pub::DefaultPollenOptions(s, width);
     o.Zones = std::stoi(c.Opts.Get("--zones", "0"));
