@@ -3,7 +3,9 @@
 // taxon names), nothing off the page, no two texts on top of each other,
 // at one column and at the full page width; and the batch runner writes
 // the same drawing as the functions the windows call.
+#include <QCheckBox>
 #include <QDir>
+#include <QLineEdit>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
@@ -15,9 +17,12 @@
 #include "presentation/publication/Figures.h"
 #include "presentation/publication/Tree.h"
 #include "reconstruction/Curves.h"
+#include "state/Format.h"
 #include "ui/PublicationExport.h"
+#include "ui/frmCalib.h"
 #include "ui/frmDiagram.h"
 #include "ui/frmMAT.h"
+#include "ui/frmOutPut2.h"
 
 using namespace varnoth;
 using namespace varnoth::uitest;
@@ -73,6 +78,7 @@ class tst_PublicationFigures : public QObject {
   void estObsReadsAtBothWidths();
   void estObsNeedsTheErrorModel();
   void eofScatterReadsAtBothWidths();
+  void calibrationReadsAtBothWidthsAndMatchesTheBatch();
   void reconstructionShowsTheAnalogueCountWhenAsked();
   void batchWritesTheReconstructionTheWindowsDraw();
 };
@@ -438,6 +444,56 @@ void tst_PublicationFigures::eofScatterReadsAtBothWidths() {
            QByteArray::fromStdString(pub::EofScatterFigure(f.session, a, b, 175).Svg()));
   for (const char* name : {"mnuPublication1L", "mnuPublication1R", "mnuPublication2R"})
     QVERIFY2(f.window->findChild<QAction*>(name), name);
+}
+
+void tst_PublicationFigures::calibrationReadsAtBothWidthsAndMatchesTheBatch() {
+  Reconstructed f;
+  f.m->Command3->click();  // the error model
+  f.m->Command6->click();  // the calibration tool
+  frmCalib* cal = f.m->CalibWindow();
+  QVERIFY(cal);
+  cal->Check4->click();    // "Generate model"
+  cal->Command3->click();  // "Start"
+  cal->PrepareChart(5);
+  frmOutPut2* chart = cal->Chart();
+  QVERIFY(chart);
+  const FineGrid& fine = chart->Fine();
+  const double t1 = LenientParse(cal->Text1->text().toStdString()),
+               t2 = LenientParse(cal->Text2->text().toStdString());
+  const QString name = pub::CalibrationParameter(cal->State());
+  QCOMPARE(name, QString::fromStdString(f.session.ClimateParamNames(f.session.CurrentParameter)));
+  pub::CalibrationInput in{fine, t1, t2, 682, 954, pub::DefaultSectionColumn(fine), name};
+  for (double width : {pub::kSingleColumnMm, pub::kDoubleColumnMm}) {
+    const SvgLayout l = Layout(pub::CalibrationFigure(in, width));
+    QCOMPARE(l.Width, width);
+    for (const QString& words :
+         {"Reconstructed " + name, "Observed " + name, QString("Probability"), QString("Mode"),
+          QString("Median"), QString("68.2 %"), QString("95.4 %")})
+      QVERIFY2(l.HasText(words), qPrintable(words));
+    QVERIFY(std::any_of(l.Texts.begin(), l.Texts.end(), [](const SvgText& t) {
+      return t.Words.startsWith("Section at reconstructed ");
+    }));
+    QVERIFY2(l.OffPage().isEmpty(), qPrintable(Joined(l.OffPage())));
+    QVERIFY2(l.Overlaps().isEmpty(), qPrintable(Joined(l.Overlaps())));
+  }
+  // The section holds probability where the default puts it.
+  double mass = 0;
+  for (long q = 50; q <= 450; ++q) mass += fine.FineProb(in.SectionColumn, q);
+  QVERIFY(mass > 0);
+  // From the chart's menus: the section the slider chose.
+  QAction* entry = chart->findChild<QAction*>("mnuPublication1");
+  QVERIFY(entry && chart->findChild<QAction*>("mnuPublication2"));
+  in.SectionColumn = chart->SectionColumn();
+  const QString svg = SaveFromEntry(f, entry, "chart.svg", PublicationChoice{}, 0);
+  QCOMPARE(ReadAll(svg), QByteArray::fromStdString(pub::CalibrationFigure(in, 175).Svg()));
+  // The batch runner on the same road: the same drawing at its default section.
+  QTemporaryDir dir;
+  QVERIFY(BatchOnExamples({"--climate", QString::fromStdString(Example("climate.csv")),
+                           "--calibrate", name, "--out", dir.path() + "/out", "--figures",
+                           dir.path() + "/fig", "--figure-style", "publication"}));
+  in.SectionColumn = pub::DefaultSectionColumn(fine);
+  QCOMPARE(ReadAll(dir.path() + "/fig/calibration.svg"),
+           QByteArray::fromStdString(pub::CalibrationFigure(in, 175).Svg()));
 }
 
 QTEST_MAIN(tst_PublicationFigures)

@@ -43,6 +43,19 @@ void DrawPublicationFigures(Context& c, const std::string& dir) {
         write(pub::EstObsFigure(s, p, width), "est-obs-" + FilePart(s.ClimateParamNames(p)));
     s.CurrentParameter = was;
   }
+  if (c.Calibration) {
+    const CalibrationOutcome& out = *c.Calibration;
+    FineGrid fine;
+    PrepareChart(out.Chain, out.Settings, fine);
+    const pub::CalibrationInput in{fine,
+                                   out.T1,
+                                   out.T2,
+                                   out.Settings.Slider1,
+                                   out.Settings.Slider2,
+                                   pub::DefaultSectionColumn(fine),
+                                   pub::CalibrationParameter(out.Chain)};
+    write(pub::CalibrationFigure(in, width), "calibration");
+  }
 }
 
 }  // namespace varnoth::batch

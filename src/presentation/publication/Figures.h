@@ -8,6 +8,8 @@
 #include <optional>
 #include <string>
 
+#include "calibration/CalibState.h"
+#include "calibration/FineGrid.h"
 #include "presentation/publication/Page.h"
 #include "state/Numeric.h"
 #include "state/Session.h"
@@ -63,5 +65,23 @@ std::optional<double> Rmsep(const Session& s, long parameter);
 // The reference sites, the fossil samples and the taxa in the plane of two
 // EOFs, axes titled with their share of the variance.
 Page EofScatterFigure(const Session& s, Count a, Count b, double widthMm);
+
+// The calibration: the probability and confidence matrices of the chart's
+// fine grid over the range T1..T2 with the colour bar, the mode and median
+// lines, and the section at one reconstructed value.
+struct CalibrationInput {
+  const FineGrid& Fine;
+  double T1 = 0, T2 = 1;
+  long Coefficient1 = 682, Coefficient2 = 954;  // tenths of a percent
+  long SectionColumn = 250;                     // fine column 50..450
+  QString Parameter;
+};
+Page CalibrationFigure(const CalibrationInput& in, double widthMm);
+// The column of the section when none was chosen: the middle one of the
+// columns that hold any probability (the range's middle when none does).
+long DefaultSectionColumn(const FineGrid& fine);
+// The parameter the calibration is of: the name under the reconstructed
+// values of the first pair set.
+QString CalibrationParameter(const CalibState& c);
 
 }  // namespace varnoth::pub
