@@ -16,12 +16,10 @@
 #include <algorithm>
 #include <tuple>
 
-#include "presentation/publication/Figures.h"
 #include "reconstruction/ClimateImport.h"
 #include "ui/Controls.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
-#include "ui/PublicationExport.h"
 #include "ui/frmCalib.h"
 #include "ui/frmDiagram.h"
 
@@ -265,23 +263,7 @@ void frmMAT::BuildMenus() {
     pictures.push_back({QString("mnuEditPicture") + n, caption, of, copy});
   }
   AddSavePictureMenu(mnuEdit, dialogs_, boundary_, pictures);
-  // The curve drawn again for a paper.
-  const DrawPublication curve = [this](const PublicationChoice& c) {
-    pub::CurveOptions o = pub::DefaultCurveOptions(s_, c.WidthMm);
-    o.Smoothing = Slider6->value();
-    o.AnalogueCount = c.AnalogueCount;
-    return pub::ReconstructionFigure(s_, s_.CurrentParameter, o);
-  };
-  const DrawPublication scatter = [this](const PublicationChoice& c) {
-    return pub::EstObsFigure(s_, s_.CurrentParameter, c.WidthMm);
-  };
-  const auto no = [] { return false; };
-  for (QMenu* menu : {mnuRB1, mnuEdit})
-    AddPublicationEntry(menu, menu == mnuEdit ? "mnuEditPublication1" : "mnuPublication1", dialogs_,
-                        boundary_, this, PublicationKind::Reconstruction, no, curve, mnuCopy1);
-  for (QMenu* menu : {mnuRB2, mnuEdit})
-    AddPublicationEntry(menu, menu == mnuEdit ? "mnuEditPublication2" : "mnuPublication2", dialogs_,
-                        boundary_, this, PublicationKind::WidthOnly, no, scatter, mnuCopy2);
+  AddPublicationEntries();
 }
 
 void frmMAT::Open() {

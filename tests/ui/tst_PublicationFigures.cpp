@@ -79,6 +79,7 @@ class tst_PublicationFigures : public QObject {
   void estObsNeedsTheErrorModel();
   void eofScatterReadsAtBothWidths();
   void calibrationReadsAtBothWidthsAndMatchesTheBatch();
+  void responseMatrixReadsAtBothWidths();
   void reconstructionShowsTheAnalogueCountWhenAsked();
   void batchWritesTheReconstructionTheWindowsDraw();
 };
@@ -494,6 +495,47 @@ void tst_PublicationFigures::calibrationReadsAtBothWidthsAndMatchesTheBatch() {
   in.SectionColumn = pub::DefaultSectionColumn(fine);
   QCOMPARE(ReadAll(dir.path() + "/fig/calibration.svg"),
            QByteArray::fromStdString(pub::CalibrationFigure(in, 175).Svg()));
+  // And the matrix down the core beside it.
+  const SvgLayout down = ReadSvgLayout(ReadAll(dir.path() + "/fig/response-matrix.svg"));
+  QVERIFY(down.Valid && down.HasText(name) && down.HasText("Probability"));
+  QVERIFY2(down.Overlaps().isEmpty(), qPrintable(Joined(down.Overlaps())));
+}
+
+void tst_PublicationFigures::responseMatrixReadsAtBothWidths() {
+  Reconstructed f;
+  f.m->Command3->click();
+  f.m->Command6->click();
+  frmCalib* cal = f.m->CalibWindow();
+  cal->Check4->click();
+  cal->Command3->click();
+  QAction* matrix = f.m->findChild<QAction*>("mnuPublication3");
+  QVERIFY(matrix && !matrix->isEnabled());  // nothing down the core yet
+  QCOMPARE(pub::ResponseMatrixFigure(f.session, f.m->Hist(), 1, 25, 30, 175).Height(), 0.0);
+  cal->Command10->click();  // "Return"
+  f.m->Command4->click();   // the matrix down the core
+  QVERIFY(f.m->Hist().HistReady);
+  QVERIFY(matrix->isEnabled());
+  const long p = f.session.CurrentParameter;
+  const QString name = QString::fromStdString(f.session.ClimateParamNames(p));
+  const double t1 = LenientParse(f.m->Text1->text().toStdString()),
+               t2 = LenientParse(f.m->Text2->text().toStdString());
+  for (double width : {pub::kSingleColumnMm, pub::kDoubleColumnMm}) {
+    const SvgLayout l = Layout(pub::ResponseMatrixFigure(f.session, f.m->Hist(), p, t1, t2, width));
+    QCOMPARE(l.Width, width);
+    for (const QString& words : {name, QString("Depth"), QString("Probability"), QString("0.00"),
+                                 QString("200"), QString("1000")})
+      QVERIFY2(l.HasText(words), qPrintable(words));
+    QVERIFY2(l.OffPage().isEmpty(), qPrintable(Joined(l.OffPage())));
+    QVERIFY2(l.Overlaps().isEmpty(), qPrintable(Joined(l.Overlaps())));
+  }
+  const QString svg = SaveFromEntry(f, matrix, "down.svg", PublicationChoice{}, 0);
+  QCOMPARE(ReadAll(svg),
+           QByteArray::fromStdString(
+               pub::ResponseMatrixFigure(f.session, f.m->Hist(), p, t1, t2, 175).Svg()));
+  // The calibration matrix of the window: the chart's figure at its default section.
+  const QString chart = SaveFromEntry(f, f.m->findChild<QAction*>("mnuPublication4"), "matrix.svg",
+                                      PublicationChoice{}, 0);
+  QVERIFY(ReadSvgLayout(ReadAll(chart)).HasText("Reconstructed " + name));
 }
 
 QTEST_MAIN(tst_PublicationFigures)

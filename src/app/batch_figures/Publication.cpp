@@ -55,6 +55,8 @@ void DrawPublicationFigures(Context& c, const std::string& dir) {
                                    pub::DefaultSectionColumn(fine),
                                    pub::CalibrationParameter(out.Chain)};
     write(pub::CalibrationFigure(in, width), "calibration");
+    write(pub::ResponseMatrixFigure(s, out.Hist, s.CurrentParameter, out.T1, out.T2, width),
+          "response-matrix");
   }
 }
 

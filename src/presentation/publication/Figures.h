@@ -10,6 +10,7 @@
 
 #include "calibration/CalibState.h"
 #include "calibration/FineGrid.h"
+#include "calibration/HistMatrix.h"
 #include "presentation/publication/Page.h"
 #include "state/Numeric.h"
 #include "state/Session.h"
@@ -83,5 +84,11 @@ long DefaultSectionColumn(const FineGrid& fine);
 // The parameter the calibration is of: the name under the reconstructed
 // values of the first pair set.
 QString CalibrationParameter(const CalibState& c);
+
+// The calibration matrix down the core: depth against the value range
+// t1..t2 in shades of probability with the colour bar, the reconstruction
+// of parameter p over it. An empty page before the matrix is built.
+Page ResponseMatrixFigure(const Session& s, const HistState& h, long p, double t1, double t2,
+                          double widthMm);
 
 }  // namespace varnoth::pub
