@@ -83,6 +83,11 @@ bool SaveFigureForPublication(Dialogs& dialogs, QWidget* parent, PublicationKind
                               bool zonesPossible, const DrawPublication& draw) {
   const std::optional<PublicationChoice> choice = AskPublicationChoice(parent, kind, zonesPossible);
   if (!choice) return false;
+  const pub::Page page = draw(*choice);
+  if (page.Height() <= 0) {
+    dialogs.Message("There is nothing to draw in this figure yet.", "Varnoth");
+    return false;
+  }
   int chosen = -1;
   const std::optional<std::string> name = dialogs.SaveFileNameChoosing(kPublicationFilter, chosen);
   if (!name || name->empty()) return false;
@@ -95,7 +100,7 @@ bool SaveFigureForPublication(Dialogs& dialogs, QWidget* parent, PublicationKind
                            : pub::PageFormat::Svg;
     path += std::string(".") + pub::PageExtension(format);
   }
-  pub::SavePage(draw(*choice), path, format);
+  pub::SavePage(page, path, format);
   return true;
 }
 

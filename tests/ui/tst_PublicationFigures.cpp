@@ -21,6 +21,7 @@
 #include "ui/PublicationExport.h"
 #include "ui/frmCalib.h"
 #include "ui/frmDiagram.h"
+#include "ui/frmLuvane.h"
 #include "ui/frmMAT.h"
 #include "ui/frmOutPut2.h"
 
@@ -80,6 +81,7 @@ class tst_PublicationFigures : public QObject {
   void eofScatterReadsAtBothWidths();
   void calibrationReadsAtBothWidthsAndMatchesTheBatch();
   void responseMatrixReadsAtBothWidths();
+  void mapReadsAtBothWidthsAndMatchesTheBatch();
   void reconstructionShowsTheAnalogueCountWhenAsked();
   void batchWritesTheReconstructionTheWindowsDraw();
 };
@@ -536,6 +538,62 @@ void tst_PublicationFigures::responseMatrixReadsAtBothWidths() {
   const QString chart = SaveFromEntry(f, f.m->findChild<QAction*>("mnuPublication4"), "matrix.svg",
                                       PublicationChoice{}, 0);
   QVERIFY(ReadSvgLayout(ReadAll(chart)).HasText("Reconstructed " + name));
+}
+
+void tst_PublicationFigures::mapReadsAtBothWidthsAndMatchesTheBatch() {
+  // The interpolation fixtures: 400 stations and the 61 example sites.
+  const QString data = QString::fromStdString(Example("")) + "/../../tests/data/interpolation/";
+  MainFixture f;
+  f.Road();
+  f.window->Command8->click();
+  frmMAT* m = f.window->MATWindow();
+  m->Command8->click();
+  frmLuvane* lv = m->LuvaneWindow();
+  QVERIFY(lv);
+  QAction* entry = lv->findChild<QAction*>("mnuPublicationMap");
+  QVERIFY(entry);
+  QCOMPARE(pub::MapFigure(f.session, Coastline{}, 175).Height(), 0.0);
+  // Before the stations are read there is no figure: said, and no file.
+  SaveFromEntry(f, entry, "early.svg", PublicationChoice{}, 0);
+  QVERIFY(!QFile::exists(f.folder.path() + "/early.svg"));
+  QCOMPARE(f.dialogs.Messages.size(), std::size_t(1));
+  f.dialogs.Messages.clear();
+  f.dialogs.SaveNames.clear();
+  f.dialogs.SaveChoices.clear();
+  f.dialogs.OpenNames.push_back((data + "stations.csv").toStdString());
+  lv->Command0->click();
+  f.dialogs.OpenNames.push_back((data + "targets.csv").toStdString());
+  lv->Command2->click();
+  QVERIFY(f.session.Interp.InterpTargetLoaded);
+  QVERIFY(entry->isEnabled());
+  const QString deg(QChar(0x00B0));
+  for (double width : {pub::kSingleColumnMm, pub::kDoubleColumnMm}) {
+    const SvgLayout l = Layout(pub::MapFigure(f.session, Coastline{}, width));
+    QCOMPARE(l.Width, width);
+    for (const QString& words : {QString("Stations (400)"), QString("Sites (61)"), "0" + deg,
+                                 "60" + deg + "W", "20" + deg + "S"})
+      QVERIFY2(l.HasText(words) || (width > 100 && words.startsWith("20")), qPrintable(words));
+    QVERIFY2(l.OffPage().isEmpty(), qPrintable(Joined(l.OffPage())));
+    QVERIFY2(l.Overlaps().isEmpty(), qPrintable(Joined(l.Overlaps())));
+  }
+  // "Check accuracy": the sites' climate is interpolated, those left
+  // without data show as open rings, as after the batch runner's run.
+  lv->Command3->click();
+  QVERIFY(f.session.ClimateLoaded);
+  QVERIFY(Layout(pub::MapFigure(f.session, Coastline{}, 85)).HasText("Sites without data"));
+  // The window's coastline is the program's; the batch runner reads the same.
+  const QString svg = SaveFromEntry(f, entry, "map.svg", PublicationChoice{}, 0);
+  const SvgLayout saved = ReadSvgLayout(ReadAll(svg));
+  QVERIFY(saved.HasText("Stations (400)"));
+  QVERIFY(saved.Shapes.size() > 1000);  // the coastline's segments in the frame
+  QTemporaryDir dir;
+  QProcess p;
+  p.start(VARNOTH_BATCH,
+          {"--reference", QString::fromStdString(Example("reference.csv")), "--stations",
+           data + "stations.csv", "--targets", data + "targets.csv", "--out", dir.path() + "/out",
+           "--figures", dir.path() + "/fig", "--figure-style", "publication"});
+  QVERIFY(p.waitForFinished(120000) && p.exitCode() == 0);
+  QCOMPARE(ReadAll(dir.path() + "/fig/map.svg"), ReadAll(svg));
 }
 
 QTEST_MAIN(tst_PublicationFigures)

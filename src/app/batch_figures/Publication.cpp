@@ -1,10 +1,26 @@
 #include "Publication.h"
 
+#include <QCoreApplication>
+
 #include "presentation/publication/Figures.h"
 
 namespace varnoth::batch {
 
 namespace {
+
+// Where the coastline is: beside an installed program, in the working
+// folder, or in the source tree.
+std::vector<std::string> CoastlineCandidates() {
+  std::vector<std::string> candidates;
+  const QString self = QCoreApplication::applicationDirPath();
+  if (!self.isEmpty())
+    candidates.push_back((self + "/../share/varnoth/coastline.csv").toStdString());
+  candidates.push_back("data/coastline.csv");
+#ifdef VARNOTH_COASTLINE
+  candidates.push_back(VARNOTH_COASTLINE);
+#endif
+  return candidates;
+}
 
 struct PageWriter {
   std::string Dir;
@@ -43,6 +59,7 @@ void DrawPublicationFigures(Context& c, const std::string& dir) {
         write(pub::EstObsFigure(s, p, width), "est-obs-" + FilePart(s.ClimateParamNames(p)));
     s.CurrentParameter = was;
   }
+  write(pub::MapFigure(s, WorldCoastline(CoastlineCandidates()), width), "map");
   if (c.Calibration) {
     const CalibrationOutcome& out = *c.Calibration;
     FineGrid fine;

@@ -11,6 +11,7 @@
 #include "calibration/CalibState.h"
 #include "calibration/FineGrid.h"
 #include "calibration/HistMatrix.h"
+#include "presentation/MapFigure.h"
 #include "presentation/publication/Page.h"
 #include "state/Numeric.h"
 #include "state/Session.h"
@@ -90,5 +91,10 @@ QString CalibrationParameter(const CalibState& c);
 // of parameter p over it. An empty page before the matrix is built.
 Page ResponseMatrixFigure(const Session& s, const HistState& h, long p, double t1, double t2,
                           double widthMm);
+
+// The interpolation map: graticule with degree labels, the coastline, the
+// stations and the sites with a legend, over the bounds of the station
+// table. An empty page before the stations are read.
+Page MapFigure(const Session& s, const Coastline& coast, double widthMm);
 
 }  // namespace varnoth::pub
