@@ -13,6 +13,7 @@
 #include "SvgLayout.h"
 #include "UiSupport.h"
 #include "diagram/Coniss.h"
+#include "diagram/EofClimateCorrelation.h"
 #include "presentation/publication/Axis.h"
 #include "presentation/publication/Figures.h"
 #include "presentation/publication/Tree.h"
@@ -21,6 +22,7 @@
 #include "ui/PublicationExport.h"
 #include "ui/frmCalib.h"
 #include "ui/frmDiagram.h"
+#include "ui/frmECC.h"
 #include "ui/frmLuvane.h"
 #include "ui/frmMAT.h"
 #include "ui/frmOutPut2.h"
@@ -82,6 +84,7 @@ class tst_PublicationFigures : public QObject {
   void calibrationReadsAtBothWidthsAndMatchesTheBatch();
   void responseMatrixReadsAtBothWidths();
   void mapReadsAtBothWidthsAndMatchesTheBatch();
+  void eofClimateTableReadsAtBothWidthsAndMatchesTheBatch();
   void reconstructionShowsTheAnalogueCountWhenAsked();
   void batchWritesTheReconstructionTheWindowsDraw();
 };
@@ -594,6 +597,37 @@ void tst_PublicationFigures::mapReadsAtBothWidthsAndMatchesTheBatch() {
            "--figures", dir.path() + "/fig", "--figure-style", "publication"});
   QVERIFY(p.waitForFinished(120000) && p.exitCode() == 0);
   QCOMPARE(ReadAll(dir.path() + "/fig/map.svg"), ReadAll(svg));
+}
+
+void tst_PublicationFigures::eofClimateTableReadsAtBothWidthsAndMatchesTheBatch() {
+  Reconstructed f;  // the climate is in
+  f.window->Command14->click();
+  frmDiagram* d = f.window->DiagramWindow();
+  d->mnuECC->trigger();
+  QCoreApplication::processEvents();
+  frmECC* ecc = f.window->EccWindow();
+  QVERIFY(ecc && ecc->EccOpen);
+  for (double width : {pub::kSingleColumnMm, pub::kDoubleColumnMm}) {
+    const SvgLayout l =
+        Layout(pub::EofClimateFigure(f.session, ecc->EccMatrix, f.session.RefTaxaCount, width));
+    QCOMPARE(l.Width, width);
+    for (long p = 1; p <= f.session.ClimateParamCount; ++p)
+      QVERIFY(l.HasText(QString::fromStdString(f.session.ClimateParamNames(p))));
+    for (long e = 1; e <= f.session.RefTaxaCount; ++e) QVERIFY(l.HasText(QString("EOF-%1").arg(e)));
+    // Every coefficient printed as the window's table shows it.
+    QVERIFY(l.HasText(QString::fromStdString(EccText(ecc->EccMatrix(1, 1)))));
+    QVERIFY(l.HasText("R"));
+    QVERIFY2(l.OffPage().isEmpty(), qPrintable(Joined(l.OffPage())));
+    QVERIFY2(l.Overlaps().isEmpty(), qPrintable(Joined(l.Overlaps())));
+  }
+  QAction* entry = ecc->findChild<QAction*>("mnuPublicationTable");
+  QVERIFY(entry);
+  const QString svg = SaveFromEntry(f, entry, "table.svg", PublicationChoice{}, 0);
+  QTemporaryDir dir;
+  QVERIFY(BatchOnExamples({"--climate", QString::fromStdString(Example("climate.csv")),
+                           "--eof-climate", "--out", dir.path() + "/out", "--figures",
+                           dir.path() + "/fig", "--figure-style", "publication"}));
+  QCOMPARE(ReadAll(dir.path() + "/fig/eof-climate.svg"), ReadAll(svg));
 }
 
 QTEST_MAIN(tst_PublicationFigures)

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 
+#include "diagram/EofClimateCorrelation.h"
 #include "presentation/publication/Figures.h"
 
 namespace varnoth::batch {
@@ -58,6 +59,11 @@ void DrawPublicationFigures(Context& c, const std::string& dir) {
       for (long p = 1; p <= s.ClimateParamCount; ++p)
         write(pub::EstObsFigure(s, p, width), "est-obs-" + FilePart(s.ClimateParamNames(p)));
     s.CurrentParameter = was;
+  }
+  if (c.Opts.Has("--eof-climate") && s.ClimateLoaded && s.EofDone) {
+    NoProgress none;
+    write(pub::EofClimateFigure(s, EccCorrelationMatrix(s, none), s.RefTaxaCount, width),
+          "eof-climate");
   }
   write(pub::MapFigure(s, WorldCoastline(CoastlineCandidates()), width), "map");
   if (c.Calibration) {

@@ -97,4 +97,8 @@ Page ResponseMatrixFigure(const Session& s, const HistState& h, long p, double t
 // table. An empty page before the stations are read.
 Page MapFigure(const Session& s, const Coastline& coast, double widthMm);
 
+// The EOF-climate correlations (rows EOF 1..eofs, a column per climate
+// parameter) as a heat map with the values printed and a colour bar.
+Page EofClimateFigure(const Session& s, const Array2<float>& ecc, long eofs, double widthMm);
+
 }  // namespace varnoth::pub
