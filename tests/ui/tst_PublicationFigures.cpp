@@ -60,6 +60,15 @@ SvgLayout Layout(const pub::Page& page) {
 
 QString Joined(const QStringList& l) { return l.join(QStringLiteral("; ")); }
 
+// With VARNOTH_SHOTS set to a folder, a figure is kept there as PNG to be
+// looked at.
+void Keep(const pub::Page& page, const QString& name) {
+  const QString folder = qEnvironmentVariable("VARNOTH_SHOTS");
+  if (folder.isEmpty()) return;
+  QDir().mkpath(folder);
+  pub::SavePage(page, (folder + "/" + name + ".png").toStdString(), pub::PageFormat::Png);
+}
+
 }  // namespace
 
 class tst_PublicationFigures : public QObject {
@@ -71,6 +80,7 @@ class tst_PublicationFigures : public QObject {
   void pollenDiagramReadsAtBothWidths();
   void pollenDiagramKeepsTheTableOrderAndDepthDownwards();
   void pollenDiagramLimitsTaxaByMaximum();
+  void pollenDiagramExaggeratesTenTimesWhenAsked();
   void pollenDiagramZonesCutTheTreeAtItsHighestJoins();
   void pollenDiagramTitlesTextLabelsAsSample();
   void batchWritesThePollenDiagramTheWindowsDraw();
@@ -133,6 +143,7 @@ void tst_PublicationFigures::pollenDiagramReadsAtBothWidths() {
     pub::PollenOptions o = pub::DefaultPollenOptions(f.session, width);
     o.Zones = 4;
     const pub::Page page = pub::PollenDiagramFigure(f.session, o);
+    Keep(page, QString("publication-pollen-%1mm").arg(width));
     QCOMPARE(page.Width(), width);
     const SvgLayout l = Layout(page);
     QVERIFY(l.Valid);
@@ -190,6 +201,34 @@ void tst_PublicationFigures::pollenDiagramLimitsTaxaByMaximum() {
       m = std::max(m, f.session.FossilProportion(i, t) * 100);
     QCOMPARE(l.HasText(QString::fromStdString(f.session.FossilTaxaNames(t))), m >= 10);
   }
+}
+
+void tst_PublicationFigures::pollenDiagramExaggeratesTenTimesWhenAsked() {
+  Road f;
+  pub::PollenOptions o = pub::DefaultPollenOptions(f.session, 175);
+  const QByteArray plain = QByteArray::fromStdString(pub::PollenDiagramFigure(f.session, o).Svg());
+  o.Exaggerate = true;
+  o.Zones = 4;
+  const pub::Page page = pub::PollenDiagramFigure(f.session, o);
+  Keep(page, "publication-pollen-exaggerated");
+  const QByteArray svg = QByteArray::fromStdString(page.Svg());
+  // The outline in light grey behind the columns, none without it.
+  QVERIFY(!plain.contains("fill=\"#cdcdcd\""));
+  // Only the taxa below 10 % get it, and a note says so.
+  long rare = 0;
+  for (long t = 1; t <= f.session.FossilTaxaCount; ++t) {
+    double m = 0;
+    for (long i = 1; i <= f.session.FossilSampleCount; ++i)
+      m = std::max(m, f.session.FossilProportion(i, t) * 100);
+    if (m < 10) ++rare;
+  }
+  QVERIFY(rare > 0 && rare < f.session.FossilTaxaCount);
+  QVERIFY(svg.count("fill=\"#cdcdcd\"") >= rare);
+  QVERIFY(ReadSvgLayout(svg).HasText(QString("Light grey: values ") + QChar(0x00D7) +
+                                     "10 for taxa below 10 %."));
+  const SvgLayout l = ReadSvgLayout(svg);
+  QVERIFY2(l.Overlaps().isEmpty(), qPrintable(Joined(l.Overlaps())));
+  QVERIFY2(l.OffPage().isEmpty(), qPrintable(Joined(l.OffPage())));
 }
 
 void tst_PublicationFigures::pollenDiagramZonesCutTheTreeAtItsHighestJoins() {

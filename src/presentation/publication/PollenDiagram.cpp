@@ -18,6 +18,8 @@ const QColor kBlack(Qt::black);
 const QColor kSilhouette(96, 96, 96);
 const QColor kExaggerated(205, 205, 205);
 const QColor kZoneLine(60, 60, 60);
+// Taxa below this percentage get the ten times outline when asked.
+constexpr double kExaggerateBelow = 10;
 
 bool Empty(const Session& s, long i) {
   return s.FossilEmptySample.Allocated() && s.FossilEmptySample(i);
@@ -203,6 +205,7 @@ Page PollenDiagramFigure(const Session& s, const PollenOptions& o) {
 
   double x = plotLeft;
   double scalesDepth = 0;
+  bool anyExaggerated = false;
   for (std::size_t c = 0; c < taxa.size(); ++c) {
     const long t = taxa[c];
     const double w = std::max(minimum, maxima[c] * mmPerPercent);
@@ -232,7 +235,10 @@ Page PollenDiagramFigure(const Session& s, const PollenOptions& o) {
         }
       }
     };
-    if (o.Exaggerate) silhouettes(10, kExaggerated);
+    // The rare taxa only: a common one would fill its column.
+    const bool exaggerated = o.Exaggerate && maxima[c] < kExaggerateBelow;
+    if (exaggerated) silhouettes(10, kExaggerated);
+    anyExaggerated = anyExaggerated || exaggerated;
     silhouettes(1, kSilhouette);
     page.Line(x0, plotTop, x0, plotBottom, kBlack, st.AxisPt);
 
@@ -355,14 +361,19 @@ Page PollenDiagramFigure(const Session& s, const PollenOptions& o) {
     page.Text((eofLeft + eofRight) / 2, plotTop - 1.0, QStringLiteral("EOF-%1").arg(o.ShownEof),
               head);
   }
-  if (cut > 0) {
+  // Notes under the figure: the outline, and the taxa left out.
+  QStringList notes;
+  if (anyExaggerated)
+    notes << QStringLiteral("Light grey: values ") + QChar(0x00D7) +
+                 QStringLiteral("10 for taxa below %1 %.").arg(kExaggerateBelow);
+  if (cut > 0)
+    notes << QStringLiteral("Taxa never above %1 % not shown.").arg(QString::number(cut, 'g', 3));
+  for (const QString& words : notes) {
     TextStyle note;
     note.Points = st.TextPt;
     note.V = VAlign::Top;
     const double y = bottom + 1.0;
-    page.Text(st.MarginMm, y,
-              QStringLiteral("Taxa never above %1 % not shown.").arg(QString::number(cut, 'g', 3)),
-              note);
+    page.Text(st.MarginMm, y, words, note);
     bottom = y + Page::CapHeight(st.TextPt) + Page::Descent(st.TextPt);
   }
   page.SetHeight(bottom + st.MarginMm);
