@@ -285,6 +285,10 @@ void tst_PublicationFigures::batchWritesThePollenDiagramTheWindowsDraw() {
   o.Zones = 3;
   const QByteArray drawn = QByteArray::fromStdString(pub::PollenDiagramFigure(f.session, o).Svg());
   QCOMPARE(ReadAll(dir.path() + "/fig/pollen-diagram.svg"), drawn);
+  QCOMPARE(ReadAll(dir.path() + "/fig/eof-scatter.svg"),
+           QByteArray::fromStdString(pub::EofScatterFigure(f.session, f.session.DisplayAxes(1),
+                                                           f.session.DisplayAxes(2), 175)
+                                         .Svg()));
   // Only the figures for papers: no screen pictures beside them.
   QVERIFY(!QFile::exists(dir.path() + "/fig/diagram.svg"));
 }
