@@ -54,9 +54,10 @@ std::optional<PublicationChoice> AskPublicationChoice(QWidget* parent, Publicati
     least->setObjectName("spnLeastMaximum");
     least->setRange(0, 100);
     least->setSuffix(" %");
+    least->setDecimals(1);
     least->setToolTip("Only the taxa that reach this percentage in some sample (0: all)");
     form->addRow("Taxa reaching at least:", least);
-    exaggerate = new QCheckBox("Ten times exaggeration outline", &dialog);
+    exaggerate = new QCheckBox("Ten times outline of the rare taxa", &dialog);
     exaggerate->setObjectName("chkExaggerate");
     form->addRow(exaggerate);
   } else if (kind == PublicationKind::Reconstruction) {

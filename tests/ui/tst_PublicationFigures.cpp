@@ -4,11 +4,16 @@
 // at one column and at the full page width; and the batch runner writes
 // the same drawing as the functions the windows call.
 #include <QCheckBox>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QLineEdit>
 #include <QProcess>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include "SvgLayout.h"
 #include "UiSupport.h"
@@ -88,6 +93,7 @@ class tst_PublicationFigures : public QObject {
   void diagramWindowSavesTheSameDrawingFromEveryMenu();
   void reconstructionWindowSavesTheCurveAtTheChosenWidth();
   void cancelledChoiceWritesNothing();
+  void choiceDialogOffersBothWidthsDoubleFirst();
   void estObsReadsAtBothWidths();
   void estObsNeedsTheErrorModel();
   void eofScatterReadsAtBothWidths();
@@ -416,6 +422,45 @@ void tst_PublicationFigures::reconstructionWindowSavesTheCurveAtTheChosenWidth()
   QVERIFY(ReadSvgLayout(ReadAll(svg))
               .HasText(
                   QString::fromStdString(f.session.ClimateParamNames(f.session.CurrentParameter))));
+}
+
+void tst_PublicationFigures::choiceDialogOffersBothWidthsDoubleFirst() {
+  bool checked = false;
+  // The real dialog, answered as a user would: one column, three zones.
+  QTimer::singleShot(0, [&] {
+    QWidget* d = QApplication::activeModalWidget();
+    QVERIFY(d);
+    QCOMPARE(d->windowTitle(), QString("Save Figure for Publication"));
+    auto* twice = d->findChild<QRadioButton*>("optDoubleColumn");
+    auto* once = d->findChild<QRadioButton*>("optSingleColumn");
+    auto* zones = d->findChild<QSpinBox*>("spnZones");
+    QVERIFY(twice && once && zones);
+    QVERIFY(twice->isChecked());
+    QCOMPARE(twice->text(), QString("Double column (175 mm)"));
+    QCOMPARE(once->text(), QString("Single column (85 mm)"));
+    QVERIFY(zones->isEnabled());
+    QVERIFY(d->findChild<QCheckBox*>("chkExaggerate"));
+    QVERIFY(!d->findChild<QCheckBox*>("chkAnalogueCount"));
+    Shot(d, "frmPublication");
+    once->setChecked(true);
+    zones->setValue(3);
+    d->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
+    checked = true;
+  });
+  const std::optional<PublicationChoice> c =
+      AskPublicationChoice(nullptr, PublicationKind::PollenDiagram, true);
+  QVERIFY(checked);
+  QVERIFY(c);
+  QCOMPARE(c->WidthMm, 85.0);
+  QCOMPARE(c->Zones, 3);
+  // Without a tree there are no zones to choose; the curve has its panel.
+  QTimer::singleShot(0, [&] {
+    QWidget* d = QApplication::activeModalWidget();
+    QVERIFY(d && d->findChild<QCheckBox*>("chkAnalogueCount"));
+    QVERIFY(!d->findChild<QSpinBox*>("spnZones"));
+    d->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Cancel)->click();
+  });
+  QVERIFY(!AskPublicationChoice(nullptr, PublicationKind::Reconstruction, false));
 }
 
 void tst_PublicationFigures::cancelledChoiceWritesNothing() {
