@@ -19,6 +19,7 @@
 #include "UiSupport.h"
 #include "diagram/Coniss.h"
 #include "diagram/EofClimateCorrelation.h"
+#include "envelope/Envelope.h"
 #include "presentation/publication/Axis.h"
 #include "presentation/publication/Figures.h"
 #include "presentation/publication/Tree.h"
@@ -102,6 +103,7 @@ class tst_PublicationFigures : public QObject {
   void mapReadsAtBothWidthsAndMatchesTheBatch();
   void eofClimateTableReadsAtBothWidthsAndMatchesTheBatch();
   void reconstructionShowsTheAnalogueCountWhenAsked();
+  void samplesOutsideTheEnvelopeAreRingedAndNamed();
   void batchWritesTheReconstructionTheWindowsDraw();
 };
 
@@ -335,6 +337,28 @@ void tst_PublicationFigures::reconstructionShowsTheAnalogueCountWhenAsked() {
   QVERIFY(!l.HasText("Moving average (1)"));
   QVERIFY2(l.OffPage().isEmpty(), qPrintable(Joined(l.OffPage())));
   QVERIFY2(l.Overlaps().isEmpty(), qPrintable(Joined(l.Overlaps())));
+}
+
+void tst_PublicationFigures::samplesOutsideTheEnvelopeAreRingedAndNamed() {
+  Reconstructed f;
+  NoProgress none;
+  RunEnvelope(f.session, 0, none);  // no tolerance: samples fall outside
+  long out = 0;
+  for (long i = 1; i <= f.session.FossilSampleCount; ++i) out += f.session.SampleIsOut(i);
+  QVERIFY(out > 0);
+  const pub::Page curve =
+      pub::ReconstructionFigure(f.session, 1, pub::DefaultCurveOptions(f.session, 175));
+  Keep(curve, "publication-reconstruction-out");
+  const SvgLayout l = Layout(curve);
+  QVERIFY(l.HasText("Outside envelope"));
+  QVERIFY2(l.Overlaps().isEmpty(), qPrintable(Joined(l.Overlaps())));
+  // A ring is a white disc with a black edge: one per sample outside, and
+  // one in the legend.
+  const QByteArray svg = QByteArray::fromStdString(curve.Svg());
+  QCOMPARE(svg.count("fill=\"#ffffff\" stroke=\"#000000\""), int(out) + 1);
+  const SvgLayout plane = Layout(pub::EofScatterFigure(f.session, 1, 2, 85));
+  QVERIFY(plane.HasText("Outside envelope") && plane.HasText("Envelope sites"));
+  QVERIFY2(plane.Overlaps().isEmpty(), qPrintable(Joined(plane.Overlaps())));
 }
 
 void tst_PublicationFigures::batchWritesTheReconstructionTheWindowsDraw() {
