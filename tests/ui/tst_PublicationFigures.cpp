@@ -153,6 +153,9 @@ void tst_PublicationFigures::pollenDiagramReadsAtBothWidths() {
     const pub::Page page = pub::PollenDiagramFigure(f.session, o);
     Keep(page, QString("publication-pollen-%1mm").arg(width));
     QCOMPARE(page.Width(), width);
+    const QRectF ink = page.InkBounds();
+    QVERIFY(ink.left() >= 0 && ink.top() >= 0 && ink.right() <= page.Width() &&
+            ink.bottom() <= page.Height());
     const SvgLayout l = Layout(page);
     QVERIFY(l.Valid);
     QCOMPARE(l.Width, width);
@@ -276,6 +279,7 @@ void tst_PublicationFigures::pollenDiagramTitlesTextLabelsAsSample() {
   QVERIFY(f.session.FossilLabelsAreText);
   const pub::PollenOptions o = pub::DefaultPollenOptions(f.session, 175);
   QCOMPARE(o.DepthTitle, QString("Sample"));
+  QCOMPARE(pub::FossilCornerCell(f.session), QString("Depth"));  // the file's own corner
   const SvgLayout l = Layout(pub::PollenDiagramFigure(f.session, o));
   QVERIFY(l.HasText("Sample"));
   QVERIFY(l.HasText("S1"));

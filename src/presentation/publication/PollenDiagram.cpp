@@ -3,11 +3,11 @@
 // names on top, every column at the same percentage scale.
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 
 #include "presentation/publication/Axis.h"
 #include "presentation/publication/Figures.h"
 #include "presentation/publication/Tree.h"
-#include "state/CellReader.h"
 #include "state/Format.h"
 
 namespace varnoth::pub {
@@ -64,14 +64,18 @@ bool HasConissTree(const Session& s) {
 }
 
 QString FossilCornerCell(const Session& s) {
-  if (s.FossilFileName.empty()) return {};
-  try {
-    CellReader cells = CellReader::FromFile(s.FossilFileName);
-    if (cells.AtEnd()) return {};
-    return QString::fromStdString(std::string(cells.Next())).trimmed();
-  } catch (...) {
-    return {};
-  }
+  // Only the first cell is read, by the table's own rules: a comma or a
+  // line end ends it, leading blanks go, quotes round it go.
+  std::ifstream in(s.FossilFileName, std::ios::binary);
+  std::string cell;
+  char c = 0;
+  while (in.get(c) && c != ',' && c != '\n' && c != '\r') cell += c;
+  if (cell.rfind("\xEF\xBB\xBF", 0) == 0) cell.erase(0, 3);
+  const auto first = cell.find_first_not_of(' ');
+  cell = first == std::string::npos ? std::string() : cell.substr(first);
+  if (cell.size() >= 2 && cell.front() == '"' && cell.back() == '"')
+    cell = cell.substr(1, cell.size() - 2);
+  return QString::fromStdString(cell).trimmed();
 }
 
 PollenOptions DefaultPollenOptions(const Session& s, double widthMm) {
