@@ -4,7 +4,8 @@ find_package(Qt6 REQUIRED COMPONENTS Core Gui Widgets PrintSupport)
 find_package(Qt6 REQUIRED COMPONENTS Svg)
 set(CMAKE_AUTOMOC ON)
 
-file(GLOB VARNOTH_PRESENTATION_SOURCES CONFIGURE_DEPENDS src/presentation/*.cpp src/presentation/*.h)
+file(GLOB VARNOTH_PRESENTATION_SOURCES CONFIGURE_DEPENDS src/presentation/*.cpp src/presentation/*.h
+  src/presentation/publication/*.cpp src/presentation/publication/*.h)
 if(VARNOTH_PRESENTATION_SOURCES)
   add_library(varnoth_presentation STATIC ${VARNOTH_PRESENTATION_SOURCES})
   target_link_libraries(varnoth_presentation PUBLIC varnoth_engine Qt6::Gui Qt6::Svg)

@@ -15,9 +15,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "presentation/publication/Figures.h"
 #include "ui/Controls.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
+#include "ui/PublicationExport.h"
 #include "ui/ToolTips.h"
 
 namespace varnoth {
@@ -194,6 +196,20 @@ void frmDiagram::BuildMenus() {
   std::vector<PictureChoice> editEntries = pictures;
   for (PictureChoice& c : editEntries) c.ObjectName.replace("mnuSavePicture", "mnuEditPicture");
   AddSavePictureMenu(edit, dialogs_, boundary_, editEntries);
+  // The whole diagram drawn again for a paper, from every figure's menu.
+  const DrawPublication pollen = [this](const PublicationChoice& c) {
+    pub::PollenOptions o = pub::DefaultPollenOptions(s_, c.WidthMm);
+    o.ShownEof = settings_.ShownEof;
+    o.Zones = c.Zones;
+    o.MinMaxPercent = c.MinMaxPercent;
+    o.Exaggerate = c.Exaggerate;
+    return pub::PollenDiagramFigure(s_, o);
+  };
+  const auto tree = [this] { return pub::HasConissTree(s_); };
+  for (QMenu* menu : {RB1, RB2, RB3, edit})
+    AddPublicationEntry(
+        menu, menu == edit ? QString("mnuEditPublication") : "mnuPublication" + menu->objectName(),
+        dialogs_, boundary_, this, PublicationKind::PollenDiagram, tree, pollen);
 }
 
 void frmDiagram::ConnectEvents() {

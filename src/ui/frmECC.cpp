@@ -14,11 +14,13 @@
 
 #include "diagram/DiagramLayout.h"
 #include "diagram/EofClimateCorrelation.h"
+#include "presentation/publication/Figures.h"
 #include "reconstruction/ClimateImport.h"
 #include "state/Format.h"
 #include "ui/Controls.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
+#include "ui/PublicationExport.h"
 #include "ui/frmDiagram.h"
 
 namespace varnoth {
@@ -143,6 +145,13 @@ void frmECC::BuildControls() {
         return parts;
       },
       "Save Table Picture As...");
+  // The whole table drawn again for a paper, as a heat map.
+  AddPublicationEntry(
+      RB, "mnuPublicationTable", dialogs_, boundary_, this, PublicationKind::WidthOnly,
+      [] { return false; },
+      [this](const PublicationChoice& c) {
+        return pub::EofClimateFigure(s_, EccMatrix, s_.RefTaxaCount, c.WidthMm);
+      });
 
   setFixedSize(Frame2->geometry().right() + 9, Frame1->geometry().bottom() + 9);
 }

@@ -21,10 +21,12 @@
 #include <cmath>
 
 #include "interpolation/StationImport.h"
+#include "presentation/publication/Figures.h"
 #include "state/Format.h"
 #include "ui/Controls.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
+#include "ui/PublicationExport.h"
 #include "ui/WindowPlacement.h"
 #include "ui/frmLuvaneCorrel.h"
 #include "ui/frmLuvaneHelp.h"
@@ -179,6 +181,11 @@ void frmLuvane::BuildControls() {
   AddSavePictureEntry(
       mnuRBTag, "mnuSavePictureMap", dialogs_, boundary_,
       [this]() -> const Surface& { return Picture1->surface(); }, mnuCopyMap);
+  AddPublicationEntry(
+      mnuRBTag, "mnuPublicationMap", dialogs_, boundary_, this, PublicationKind::WidthOnly,
+      [] { return false; },
+      [this](const PublicationChoice& c) { return pub::MapFigure(s_, coast_, c.WidthMm); },
+      mnuCopyMap);
   connect(Picture1, &PictureBox::RightPressed, this,
           [this](const QPoint& at) { mnuRBTag->popup(at); });
   connect(Picture1, &PictureBox::LeftPressed, this, [this](const QPointF& pixel) {

@@ -271,6 +271,7 @@ void frmMAT::BuildMenus() {
     pictures.push_back({QString("mnuEditPicture") + n, caption, of, copy});
   }
   AddSavePictureMenu(mnuEdit, dialogs_, boundary_, pictures);
+  AddPublicationEntries();
 }
 
 void frmMAT::Open() {

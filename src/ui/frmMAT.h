@@ -172,6 +172,7 @@ class frmMAT : public QMainWindow {
   // Construction, layout and the window's life, in frmMAT.cpp.
   void BuildControls();
   void BuildMenus();
+  void AddPublicationEntries();  // the figures for papers, frmMAT_publication.cpp
   void ConnectEvents();
   void Load();
   void Activate();

@@ -14,11 +14,13 @@
 
 #include "presentation/CalibFigure.h"
 #include "presentation/CalibPrint.h"
+#include "presentation/publication/Figures.h"
 #include "state/Format.h"
 #include "ui/Controls.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/PrinterTarget.h"
+#include "ui/PublicationExport.h"
 #include "ui/WindowPlacement.h"
 #include "ui/frmCalib.h"
 #include "ui/frmMAT.h"
@@ -125,6 +127,19 @@ frmOutPut2::frmOutPut2(frmCalib& calib)
   AddSavePictureEntry(
       Fig2, "mnuSavePicture2", calib_.DialogsUsed(), boundary_,
       [this]() -> const Surface& { return Picture2->surface(); }, Copy2);
+  // The chart drawn again for a paper, at the section chosen here.
+  const DrawPublication chart = [this](const PublicationChoice& c) {
+    const CalibSettings st = calib_.Settings();
+    return pub::CalibrationFigure(
+        {fine_, LenientParse(calib_.Text1->text().toStdString()),
+         LenientParse(calib_.Text2->text().toStdString()), st.Slider1, st.Slider2, SectionColumn(),
+         pub::CalibrationParameter(calib_.State())},
+        c.WidthMm);
+  };
+  for (auto [menu, copy] : {std::pair{Fig1, Copy1}, std::pair{Fig2, Copy2}})
+    AddPublicationEntry(
+        menu, "mnuPublication" + copy->objectName().right(1), calib_.DialogsUsed(), boundary_, this,
+        PublicationKind::WidthOnly, [] { return false; }, chart, copy);
   connect(Slider1, &QSlider::valueChanged, this, [this] {
     SectionLabels();
     if (!Slider1->isSliderDown()) SectionReleased();

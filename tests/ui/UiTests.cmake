@@ -13,7 +13,8 @@ foreach(source ${UI_TEST_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
   target_compile_definitions(${name} PRIVATE
     VARNOTH_EXAMPLES="${PROJECT_SOURCE_DIR}/data/examples")
-  if(name STREQUAL "tst_frmMAT" OR name STREQUAL "tst_frmCalib" OR name STREQUAL "tst_frmLuvane")
+  if(name STREQUAL "tst_frmMAT" OR name STREQUAL "tst_frmCalib" OR name STREQUAL "tst_frmLuvane"
+     OR name STREQUAL "tst_PublicationFigures")
     # The reconstruction window's files are checked against the batch runner's.
     target_compile_definitions(${name} PRIVATE VARNOTH_BATCH="$<TARGET_FILE:varnoth-batch>")
     add_dependencies(${name} varnoth-batch)

@@ -170,10 +170,12 @@ void tst_FigureExport::entriesFollowTheirMenusAndStartDisabled() {
   }
   // After the entries of its own menu, which stay as they were.
   const QList<QAction*> fig1 = f.window->mnuFig1L->actions();
-  QCOMPARE(fig1.size(), 3);
+  QCOMPARE(fig1.size(), 4);
   QCOMPARE(fig1[0]->objectName(), QString("mnuCopy1L"));
   QCOMPARE(fig1[1]->objectName(), QString("mnuSaveL2"));
   QCOMPARE(fig1[2]->objectName(), QString("mnuSavePicture1L"));
+  QCOMPARE(fig1[3]->objectName(), QString("mnuPublication1L"));  // the figure for papers
+  QVERIFY(!fig1[3]->isEnabled());
   f.ImportReference(Example("reference.csv"));
   f.Confirm();
   QVERIFY(f.Action(f.window.get(), "mnuSavePicture1L")->isEnabled());

@@ -720,9 +720,10 @@ class tst_frmDiagram : public QObject {
       QCOMPARE(QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
                c.picture->surface().Image());
     }
-    // Copy and the two saves, then the picture file.
-    QCOMPARE(f.w->RB2->actions().size(), 4);
-    QCOMPARE(f.w->RB2->actions().back()->objectName(), QString("mnuSavePictureEOF"));
+    // Copy and the two saves, then the picture file and the figure for papers.
+    QCOMPARE(f.w->RB2->actions().size(), 5);
+    QCOMPARE(f.w->RB2->actions()[3]->objectName(), QString("mnuSavePictureEOF"));
+    QCOMPARE(f.w->RB2->actions().back()->objectName(), QString("mnuPublicationRB2"));
   }
 
   void redrawAllFollowsTheColours() {

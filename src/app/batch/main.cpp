@@ -64,7 +64,7 @@ Options Parse(int argc, char** argv) {
     std::string arg = argv[i];
     auto spec = std::find_if(specs.begin(), specs.end(),
                              [&](const OptionSpec& s) { return s.Name == arg; });
-    if (spec == specs.end() && (arg == "--figures" || arg == "--figure-format"))
+    if (spec == specs.end() && (arg == "--figures" || arg.rfind("--figure-", 0) == 0))
       throw UsageError{arg + " needs varnoth-batch built with the desktop program (VARNOTH_GUI)"};
     if (spec == specs.end()) throw UsageError{"unknown argument " + arg};
     if (spec->ValueName.empty()) {
@@ -134,7 +134,8 @@ int main(int argc, char** argv) {
       options.Set("--save-all-eof", "yes");
       options.Set("--error-model", "yes");
       options.Set("--out", "varnoth-out");
-      for (const char* kept : {"--figures", "--figure-format", "--timestamp"})
+      for (const char* kept : {"--figures", "--figure-format", "--figure-style", "--figure-width",
+                               "--zones", "--timestamp"})
         if (given.Has(kept)) options.Set(kept, given.Get(kept));
     } else {
       if (!options.Has("--out")) throw UsageError{"--out is required"};

@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "../batch/Batch.h"
+#include "Publication.h"
 #include "calibration/FineGrid.h"
 #include "diagram/DiagramLayout.h"
 #include "presentation/CalibFigure.h"
@@ -202,6 +203,7 @@ void Run(Context& c) {
   Session& s = c.S;
   const std::string dir = c.Opts.Get("--figures");
   std::filesystem::create_directories(dir);
+  if (c.Opts.Get("--figure-style") == "publication") return DrawPublicationFigures(c, dir);
   const std::string format = c.Opts.Get("--figure-format", "svg");
   Writer write{dir, format == "pdf"   ? PictureFormat::Pdf
                     : format == "png" ? PictureFormat::Png
@@ -222,7 +224,11 @@ void Run(Context& c) {
 const bool registered = RegisterStep(Step{
     1000,
     {{"--figures", "DIR", "the figures of every analysis run, one file each"},
-     {"--figure-format", "svg|pdf|png", "the kind of figure file (svg; png at twice the size)"}},
+     {"--figure-format", "svg|pdf|png", "the kind of figure file (svg; png at twice the size)"},
+     {"--figure-style", "screen|publication",
+      "the windows' pictures, or figures for papers with axes and names (png at 600 dpi)"},
+     {"--figure-width", "single|double", "publication figures 85 mm or 175 mm wide (double)"},
+     {"--zones", "N", "zone lines of the pollen diagram: the CONISS tree cut into N zones"}},
     [](const Options& o) {
       if (o.Has("--figure-format")) {
         const std::string f = o.Get("--figure-format");
@@ -230,6 +236,19 @@ const bool registered = RegisterStep(Step{
           throw UsageError{"--figure-format takes one of: svg|pdf|png"};
         if (!o.Has("--figures")) throw UsageError{"--figure-format needs --figures"};
       }
+      const std::string style = o.Get("--figure-style", "screen");
+      if (style != "screen" && style != "publication")
+        throw UsageError{"--figure-style takes one of: screen|publication"};
+      const std::string width = o.Get("--figure-width", "double");
+      if (width != "single" && width != "double")
+        throw UsageError{"--figure-width takes one of: single|double"};
+      const std::string zones = o.Get("--zones", "0");
+      if (zones.empty() || zones.size() > 3 ||
+          zones.find_first_not_of("0123456789") != std::string::npos)
+        throw UsageError{"--zones takes a whole number from 0 to 999"};
+      for (const char* needs : {"--figure-style", "--figure-width", "--zones"})
+        if (o.Has(needs) && !o.Has("--figures"))
+          throw UsageError{std::string(needs) + " needs --figures"};
     },
     [](const Options& o) { return o.Has("--figures"); },
     Run});
