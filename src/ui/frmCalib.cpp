@@ -68,7 +68,8 @@ frmCalib::frmCalib(Session& session, CalibState& calib, frmMAT& mat, ColourSetti
       c_(calib),
       mat_(mat),
       colours_(colours),
-      dialogs_(dialogs),
+      ownDialogs_(dialogs, this),
+      dialogs_(ownDialogs_),
       images_(colours, [this] { return ZEnhancement(); }) {
   setObjectName("frmCalib");
   setWindowTitle("Ostrel 3.0");
@@ -77,7 +78,17 @@ frmCalib::frmCalib(Session& session, CalibState& calib, frmMAT& mat, ColourSetti
   BuildMenus();
   ConnectEvents();
   progress_.SetBar(ProgressBar1);
-  resize(kFiguresLeft + 4 * (kFigure + kFigureGap), kRowTop[1] + kFigure + 70);
+  // The controls stand at fixed places: the client area holds them all, and
+  // the window adds its menu and status bars to that.
+  centralWidget()->setMinimumSize(ContentsSize());
+  resize(minimumSizeHint());
+}
+
+QSize frmCalib::ContentsSize() const {
+  QRect all;
+  for (const QWidget* c : centralWidget()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+    all |= c->geometry();
+  return QSize(all.right() + 8, all.bottom() + 8);
 }
 
 frmCalib::~frmCalib() = default;

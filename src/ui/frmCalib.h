@@ -72,6 +72,8 @@ class frmCalib : public QMainWindow {
   void PrepareChart(int index);
   void SaveProbability();
   void SaveConfidence();
+  // The same asked over another window of the tool (the chart).
+  void SaveConfidenceOver(Dialogs& dialogs);
   void PrintAll();
   // The reconstruction window's Z-axis enhancement changed: the colours
   // follow (Check7).
@@ -98,6 +100,8 @@ class frmCalib : public QMainWindow {
   int FigureShows(int figure) const { return shows_[static_cast<std::size_t>(figure)]; }
   bool GreyMode() const { return colours_.GreyMode; }
   double ZEnhancement() const;
+  // The client area that holds every control.
+  QSize ContentsSize() const;
   void SetZEnhancement(double z);
   ColourSettings& Colours() { return colours_; }
   Dialogs& DialogsUsed() { return dialogs_; }
@@ -172,6 +176,7 @@ class frmCalib : public QMainWindow {
   CalibState& c_;
   frmMAT& mat_;
   ColourSettings& colours_;
+  OwnedDialogs ownDialogs_;  // dialogs stand over this window
   Dialogs& dialogs_;
   BarProgress progress_{nullptr};
   ErrorBoundary boundary_{dialogs_, progress_};

@@ -285,7 +285,15 @@ void frmLuvane::ImportData(Count mode) {
   QPushButton* button = mode == kStationFile ? Command0 : Command2;
   // Every failure of an import ends it quietly, its button usable again.
   try {
-    const std::optional<std::string> path = dialogs_.OpenFileName(kDataFileFilter);
+    const std::string title = mode == kStationFile
+                                  ? "Open station table (reference dataset)"
+                                  : "Open target table (positions of the reference sites)";
+    // With the example data in use, their station and target tables are
+    // beside them.
+    const std::optional<std::string> path =
+        s_.ExampleFolder.empty()
+            ? dialogs_.OpenFileName(kDataFileFilter, title)
+            : dialogs_.OpenFileNameIn(kDataFileFilter, title, s_.ExampleFolder);
     const InterpImportResult r = varnoth::ImportData(s_, mode, path, dialogs_);
     BusyPointer::Restore();
     if (!r.Ok) {

@@ -50,7 +50,8 @@ frmMAT::frmMAT(Session& session, ColourSettings& colours, Dialogs& dialogs, Prog
     : QMainWindow(parent, Qt::Window),
       s_(session),
       colours_(colours),
-      dialogs_(dialogs),
+      ownDialogs_(dialogs, this),
+      dialogs_(ownDialogs_),
       mainProgress_(mainProgress) {
   setObjectName("frmMAT");
   setWindowTitle("Reconstruction");

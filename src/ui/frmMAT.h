@@ -207,10 +207,12 @@ class frmMAT : public QMainWindow {
 
   // Saves, in frmMAT_files.cpp.
   template <typename Writer>
-  void SaveWith(Writer writer);
+  void SaveWith(Writer writer, const std::string& title);
+  std::string ShownParameter() const;  // the parameter in Combo1
 
   Session& s_;
   ColourSettings& colours_;
+  OwnedDialogs ownDialogs_;  // dialogs stand over this window
   Dialogs& dialogs_;
   Progress& mainProgress_;
   BarProgress progress_{nullptr};

@@ -135,7 +135,8 @@ void frmMAT::DrawResponseMatrices() {
 void frmMAT::SaveOstrel() {
   boundary_.Run([this] {
     if (!calib_) return;
-    const std::optional<std::string> path = dialogs_.SaveFileName(kDataFileFilter);
+    const std::optional<std::string> path = dialogs_.SaveFileName(
+        kDataFileFilter, "Save the calibration matrix of " + ShownParameter());
     AnalogueChoices choices{Settings(), Slider2->value()};
     varnoth::SaveOstrel(s_, *calib_, CalibSettingsShown(), choices,
                         LenientParse(Text1->text().toStdString()), CurrentStamp(), path,
@@ -146,7 +147,8 @@ void frmMAT::SaveOstrel() {
 void frmMAT::SaveTamsek() {
   boundary_.Run([this] {
     if (!calib_) return;
-    const std::optional<std::string> path = dialogs_.SaveFileName(kDataFileFilter);
+    const std::optional<std::string> path =
+        dialogs_.SaveFileName(kDataFileFilter, "Save the histogram matrix of " + ShownParameter());
     AnalogueChoices choices{Settings(), Slider2->value()};
     varnoth::SaveTamsek(s_, *calib_, CalibSettingsShown(), choices, hist_, Slider6->value(),
                         LenientParse(Text1->text().toStdString()), CurrentStamp(), path,

@@ -59,7 +59,7 @@ frmMain::frmMain(Session& session, ColourSettings& colours, Dialogs& dialogs, QW
   setObjectName("frmMain");
   setWindowTitle("Varnoth");
   endProgram_ = [] { QCoreApplication::quit(); };
-  if (auto* qt = dynamic_cast<QtDialogs*>(&dialogs_)) qt->SetParent(this);
+  dialogs_.SetOwner(this);  // dialogs of the other windows stand over those
   BuildControls();
   BuildMenus();
   BuildPopups();

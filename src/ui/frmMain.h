@@ -69,6 +69,7 @@ class frmMain : public QMainWindow {
   Session& session() { return s_; }
   ColourSettings& colours() { return colours_; }
   Dialogs& dialogs() { return dialogs_; }
+  bool Quitting() const { return quitting_; }
   Progress& progress() { return progress_; }
   ErrorBoundary& boundary() { return boundary_; }
 

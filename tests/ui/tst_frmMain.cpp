@@ -26,9 +26,9 @@
 
 using namespace varnoth;
 using varnoth::uitest::Example;
-using varnoth::uitest::MainFixture;
 using varnoth::uitest::Inked;
 using varnoth::uitest::LoneSite;
+using varnoth::uitest::MainFixture;
 using varnoth::uitest::Near;
 
 namespace {
@@ -440,7 +440,8 @@ class tst_frmMain : public QObject {
     f.ImportReference(Example("reference.csv"));
     QVERIFY(f.window->CorrelVar()->isVisible());
     QVERIFY(!f.window->isEnabled());
-    // Only the dialog's own frame can be used.
+    // Only the dialog's own frame can be used; the user confirms the quit.
+    f.dialogs.Answers.push_back(true);
     f.window->CorrelVar()->close();
     QVERIFY(!f.window->CorrelVar()->isVisible());
     QVERIFY(!f.window->AboutWindow()->isVisible());
