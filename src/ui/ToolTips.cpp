@@ -13,8 +13,12 @@ using Table = std::vector<std::pair<const char*, const char*>>;
 
 const Table& MainTips() {
   static const Table t = {
-      {"Command5", "Read the modern reference table (sites by taxa) from a CSV file"},
-      {"Command6", "Read the fossil table (samples down the core by taxa) from a CSV file"},
+      {"Command5",
+       "Read the modern reference table (sites by taxa) from a CSV file. Imported first, it "
+       "opens the whole analysis: EOFs, envelope, diagram, reconstruction"},
+      {"Command6",
+       "Read the fossil table (samples down the core by taxa) from a CSV file. Imported first, "
+       "it gives the EOFs of the core alone: no reference table can follow"},
       {"Command3", "Choose which EOFs stand on the axes and which take part in the envelope"},
       {"Label6", "Whether the envelope uses EOFs beyond those on screen"},
       {"Slider4", "Zoom of the figures: the axes reach 2 to the power of this value"},
