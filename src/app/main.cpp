@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "ControlMap.h"
 #include "presentation/Colours.h"
 #include "state/Session.h"
 #include "ui/ExampleData.h"
@@ -48,5 +49,6 @@ int main(int argc, char* argv[]) {
   dialogs.SetStartFolder(varnoth::ExampleDataDir());
   varnoth::frmMain window(session, colours, dialogs);
   window.show();
+  varnoth::StartControlMap(&app);
   return QApplication::exec();
 }

@@ -1,6 +1,7 @@
 #include "ui/frmCalib.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QKeyEvent>
@@ -78,6 +79,9 @@ frmCalib::frmCalib(Session& session, CalibState& calib, frmMAT& mat, ColourSetti
   BuildMenus();
   ConnectEvents();
   progress_.SetBar(ProgressBar1);
+  connect(qApp, &QGuiApplication::focusWindowChanged, this, [this](QWindow* now) {
+    if (now && now != windowHandle()) lastOther_ = now;
+  });
   // The controls stand at fixed places: the client area holds them all, and
   // the window adds its menu and status bars to that.
   centralWidget()->setMinimumSize(ContentsSize());
@@ -364,11 +368,20 @@ void frmCalib::Activate() {
     colours_.PaletteChanged = false;
     check3_ = false;
   }
-  UnloadSecondary();
+  // Coming back from the tool's own chart or dialogs keeps them: the chart
+  // is read beside the figures. From elsewhere they are closed.
+  if (!ComingFromOwnWindow()) UnloadSecondary();
   c_.CalibToolOpen = true;
   if (!c_.PictDrawn[1]) TransferData();
   if (c_.PictDrawn[1] && (c_.PictDrawn[2] || Check4->isChecked()) && c_.PictDrawn[3] == false)
     Command3->setEnabled(true);
+}
+
+bool frmCalib::ComingFromOwnWindow() const {
+  if (!lastOther_) return false;
+  for (QWidget* w : std::initializer_list<QWidget*>{chart_.get(), cc1_.get(), cc2_.get()})
+    if (w && w->windowHandle() == lastOther_) return true;
+  return false;
 }
 
 void frmCalib::UnloadSecondary() {

@@ -5,6 +5,8 @@
 // computation is the calibration engine's, this window reads its controls
 // into the settings record and paints what the engine reports.
 #include <QMainWindow>
+#include <QPointer>
+#include <QWindow>
 #include <array>
 #include <functional>
 #include <memory>
@@ -188,6 +190,9 @@ class frmCalib : public QMainWindow {
   std::unique_ptr<frmPrintSetup> printSetup_;
   bool loaded_ = false;
   bool check3_ = false;  // the print options ask for a rebuild
+  // The last window of the program that was active before this one.
+  QPointer<QWindow> lastOther_;
+  bool ComingFromOwnWindow() const;
   bool check7_ = false;  // a change of state repaints every figure
   std::array<int, 9> shows_{};
 };

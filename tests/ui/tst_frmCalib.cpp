@@ -34,8 +34,8 @@
 #include "ui/frmPrintSetup.h"
 
 using namespace varnoth;
-using varnoth::uitest::Example;
 using varnoth::uitest::BatchOnExamples;
+using varnoth::uitest::Example;
 using varnoth::uitest::ReadAll;
 
 namespace {
@@ -148,6 +148,8 @@ class TestFrmCalib : public QObject {
   void coefficientAbove100FailsAtTheSlider();
   void coefficientTypedMovesSlider();
   void chartOpensFromFig7AndFig8();
+  void chartStaysWhenTheToolIsActivatedFromIt();
+  void dialogsStandOverTheToolAndTheChart();
   void chartSectionInEmptyColumnReadsOutOfRange();
   void chartIntervalOpenAtTopReadsQuestionMark();
   void chartStopsAtElevenIntervals();
@@ -402,6 +404,61 @@ void TestFrmCalib::coefficientTypedMovesSlider() {
   QCOMPARE(c->Slider2->value(), 900);
   QCOMPARE(c->Label4[1]->text(), QString("90"));
   QCOMPARE(c->FigureShows(8), shows8 + 1);
+}
+
+// Activates a window as a click on it would, and lets the activation arrive.
+void ActivateWindow(QWidget* w) {
+  w->activateWindow();
+  QApplication::setActiveWindow(w);
+  for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+}
+
+void TestFrmCalib::chartStaysWhenTheToolIsActivatedFromIt() {
+  Road r;
+  r.Open();
+  r.Generated();
+  frmCalib* c = r.cal;
+  QTest::mouseClick(c->Picture2[4], Qt::LeftButton, {}, QPoint(50, 50));
+  frmOutPut2* ch = c->Chart();
+  QVERIFY(ch && ch->isVisible());
+  ActivateWindow(ch);
+  QVERIFY(ch->isActiveWindow());
+  // Back into the tool from its chart: the chart stays in view.
+  ActivateWindow(c);
+  QVERIFY(c->isActiveWindow());
+  QVERIFY(ch->isVisible());
+  // Back into the tool from another window of the program: it closes.
+  ActivateWindow(r.mat);
+  ActivateWindow(c);
+  QVERIFY(!ch->isVisible());
+}
+
+void TestFrmCalib::dialogsStandOverTheToolAndTheChart() {
+  Road r;
+  r.Open();
+  frmCalib* c = r.cal;
+  // A cancelled pair import: the dialog belongs to the tool and says what it asks for.
+  c->Command1[1]->click();
+  QVERIFY(!r.dialogs.FileDialogs.empty());
+  QCOMPARE(r.dialogs.FileDialogs.back().Owner, static_cast<void*>(c));
+  QVERIFY(r.dialogs.FileDialogs.back().Title.find("Vest-Vobs") != std::string::npos);
+  r.Generated();
+  c->ProbabilityDistribution->trigger();
+  QCOMPARE(r.dialogs.FileDialogs.back().Owner, static_cast<void*>(c));
+  QCOMPARE(r.dialogs.FileDialogs.back().Title, std::string("Save the probability matrix"));
+  QTest::mouseClick(c->Picture2[5], Qt::LeftButton, {}, QPoint(50, 50));
+  frmOutPut2* ch = c->Chart();
+  QVERIFY(ch && ch->isVisible());
+  ch->SaveMatrixEntry->trigger();
+  QCOMPARE(r.dialogs.FileDialogs.back().Owner, static_cast<void*>(ch));
+  // The reconstruction window's own saves stand over it.
+  r.mat->mnuSaveCurveVOnly->trigger();
+  QCOMPARE(r.dialogs.FileDialogs.back().Owner, static_cast<void*>(r.mat));
+  QCOMPARE(r.dialogs.FileDialogs.back().Title,
+           "Save the curve of " + r.mat->Combo1->currentText().toStdString());
+  // The main window's stand over the main window.
+  r.window->mnuSaveL->trigger();
+  QCOMPARE(r.dialogs.FileDialogs.back().Owner, static_cast<void*>(r.window.get()));
 }
 
 void TestFrmCalib::chartOpensFromFig7AndFig8() {
