@@ -14,11 +14,13 @@
 #include <QPushButton>
 #include <QSlider>
 #include <QStatusBar>
+#include <QTimer>
 
 #include "calibration/PairSets.h"
 #include "state/Format.h"
 #include "ui/Controls.h"
 #include "ui/PictureBox.h"
+#include "ui/ToolTips.h"
 #include "ui/WindowPlacement.h"
 #include "ui/frmCC1.h"
 #include "ui/frmCC2.h"
@@ -84,6 +86,7 @@ frmCalib::frmCalib(Session& session, CalibState& calib, frmMAT& mat, ColourSetti
   });
   // The controls stand at fixed places: the client area holds them all, and
   // the window adds its menu and status bars to that.
+  ExplainControls(this);
   centralWidget()->setMinimumSize(ContentsSize());
   resize(minimumSizeHint());
 }
@@ -240,7 +243,18 @@ void frmCalib::BuildControls() {
   }
   StatusLabel = new QLabel("X: / Y: ");
   StatusLabel->setObjectName("StatusLabel");
-  statusBar()->addWidget(StatusLabel, 1);
+  StatusNext = new QLabel;
+  StatusNext->setObjectName("StatusNext");
+  statusBar()->setSizeGripEnabled(false);
+  statusBar()->addWidget(StatusNext, 1);
+  statusBar()->addPermanentWidget(StatusLabel);
+  StatusLabel->setMinimumWidth(300);
+  auto* follow = new QTimer(this);
+  connect(follow, &QTimer::timeout, this, [this] {
+    const QString next = NextStep();
+    if (StatusNext->text() != next) StatusNext->setText(next);
+  });
+  follow->start(250);
 }
 
 void frmCalib::BuildMenus() {
@@ -375,6 +389,17 @@ void frmCalib::Activate() {
   if (!c_.PictDrawn[1]) TransferData();
   if (c_.PictDrawn[1] && (c_.PictDrawn[2] || Check4->isChecked()) && c_.PictDrawn[3] == false)
     Command3->setEnabled(true);
+}
+
+QString frmCalib::NextStep() const {
+  if (!c_.PictDrawn[1])
+    return "Fig.1 needs pairs of reconstructed and estimated values: Import Vrec-Vest file, or "
+           "open the tool after Generate error model";
+  if (!c_.PictDrawn[2] && !Check4->isChecked())
+    return "Next, the error model: Import Vest-Vobs file, or tick Generate model";
+  if (!c_.PictDrawn[8]) return "Next: Start runs the calibration (Fig.4 to Fig.8)";
+  return "Calibrated. Click Fig.7 or Fig.8 for the chart; Return hands the matrix to the "
+         "reconstruction";
 }
 
 bool frmCalib::ComingFromOwnWindow() const {

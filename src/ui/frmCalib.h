@@ -125,6 +125,8 @@ class frmCalib : public QMainWindow {
   std::array<QLabel*, 2> Label4{}, Label12{}, Label13{}, Label14{}, Label15{}, Label21{};
   std::array<QLabel*, 4> Label5{};
   std::array<QLabel*, 14> Label1{}, Label2{};
+  QLabel* StatusNext = nullptr;  // the next step of the calibration
+  QString NextStep() const;
   QLabel *Label7 = nullptr, *Label8 = nullptr, *Label9 = nullptr, *Label10 = nullptr,
          *Label11 = nullptr, *Label16 = nullptr, *Label17 = nullptr, *Label18 = nullptr,
          *Label19 = nullptr, *Label22 = nullptr, *Label23 = nullptr, *Label24 = nullptr,

@@ -117,6 +117,9 @@ class frmMAT : public QMainWindow {
               *Command5 = nullptr, *Command6 = nullptr, *Command7 = nullptr, *Command8 = nullptr;
   QCheckBox *Check1 = nullptr, *Check2 = nullptr, *Check3 = nullptr, *Check5 = nullptr;
   std::array<QCheckBox*, 2> Check4{};
+  QLabel* StatusNext = nullptr;  // the next step of the reconstruction
+  // The next step, told by the stage the window has reached.
+  QString NextStep() const;
   QLabel *Label1 = nullptr, *Label2 = nullptr, *Label4 = nullptr, *Label5 = nullptr,
          *Label6 = nullptr, *Label7 = nullptr;
   std::array<QLabel*, 2> Label3{};
@@ -172,6 +175,7 @@ class frmMAT : public QMainWindow {
   // Construction, layout and the window's life, in frmMAT.cpp.
   void BuildControls();
   void BuildMenus();
+  void BuildStatusLine();
   void ConnectEvents();
   void Load();
   void Activate();

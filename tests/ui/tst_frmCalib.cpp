@@ -149,6 +149,7 @@ class TestFrmCalib : public QObject {
   void coefficientTypedMovesSlider();
   void chartOpensFromFig7AndFig8();
   void chartStaysWhenTheToolIsActivatedFromIt();
+  void everyControlSaysWhatItDoesAndTheStatusLineTheNextStep();
   void dialogsStandOverTheToolAndTheChart();
   void chartSectionInEmptyColumnReadsOutOfRange();
   void chartIntervalOpenAtTopReadsQuestionMark();
@@ -431,6 +432,51 @@ void TestFrmCalib::chartStaysWhenTheToolIsActivatedFromIt() {
   ActivateWindow(r.mat);
   ActivateWindow(c);
   QVERIFY(!ch->isVisible());
+}
+
+// Every control a user can point at has a tool tip.
+void CheckToolTips(QWidget* window) {
+  for (QWidget* w : window->findChildren<QWidget*>()) {
+    if (w->objectName().isEmpty() || w->objectName().startsWith("qt_") || !w->isVisibleTo(window))
+      continue;
+    const bool control = qobject_cast<QAbstractButton*>(w) || qobject_cast<QAbstractSlider*>(w) ||
+                         qobject_cast<QComboBox*>(w) || qobject_cast<QAbstractSpinBox*>(w) ||
+                         qobject_cast<QLineEdit*>(w) || qobject_cast<PictureBox*>(w);
+    if (!control) continue;
+    QVERIFY2(!w->toolTip().isEmpty(),
+             qPrintable(window->objectName() + ": " + w->objectName() + " has no tool tip"));
+  }
+}
+
+void TestFrmCalib::everyControlSaysWhatItDoesAndTheStatusLineTheNextStep() {
+  uitest::MainFixture f;
+  f.Road();
+  f.window->Command8->click();
+  frmMAT* mat = f.window->MATWindow();
+  auto next = [&](QLabel* l) {
+    QTest::qWait(300);
+    return l->text();
+  };
+  QVERIFY(next(mat->StatusNext).startsWith("Load climate at the reference sites"));
+  f.dialogs.OpenNames.push_back(Example("climate.csv"));
+  mat->Command1->click();
+  QVERIFY(next(mat->StatusNext).contains("Generate error model"));
+  mat->Command3->click();
+  QVERIFY(next(mat->StatusNext).contains("Ostrel 3.0"));
+  CheckToolTips(mat);
+  QVERIFY(mat->Command6->toolTip().contains("needs the error model"));
+  // The climate import's own tip stays.
+  QCOMPARE(mat->Command1->toolTip(), QString("Use pre-interpolated climate file (Varnoth 1.5)"));
+  mat->Command6->click();
+  frmCalib* c = mat->CalibWindow();
+  CheckToolTips(c);
+  QVERIFY(next(c->StatusNext).contains("Generate model"));
+  c->Check4->click();
+  QVERIFY2(next(c->StatusNext).contains("Start"), qPrintable(c->StatusNext->text()));
+  c->Command3->click();
+  QVERIFY(next(c->StatusNext).contains("Return"));
+  c->Command10->click();
+  QVERIFY(next(mat->StatusNext).contains("Tamsek 2.5"));
 }
 
 void TestFrmCalib::dialogsStandOverTheToolAndTheChart() {
