@@ -92,6 +92,13 @@ void PlaceBeside(QWidget* window, const QWidget* owner) {
   MoveFrame(window, Beside(OwnerFrame(owner), frame, AvailableArea(owner)), borders);
 }
 
+void KeepOnScreen(QWidget* window) {
+  if (!window->isVisible()) return;
+  const QRect frame = window->frameGeometry();
+  const QRect fitted = OntoScreen(frame, AvailableArea(window));
+  if (fitted != frame) MoveFrame(window, fitted, FrameBorders(window, nullptr));
+}
+
 void PlaceOver(QWidget* window, const QWidget* owner, QSize defaultSize) {
   const QMargins borders = FrameBorders(window, owner);
   const QRect o = OwnerFrame(owner);

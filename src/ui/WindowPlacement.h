@@ -28,6 +28,9 @@ void PlaceBeside(QWidget* window, const QWidget* owner);
 // A window at its default size, cascaded from its owner's top-left
 // corner, and on screen.
 void PlaceOver(QWidget* window, const QWidget* owner, QSize defaultSize);
+// Moves a window the least distance that puts its frame wholly on the
+// available screen, shrinking it where it is larger.
+void KeepOnScreen(QWidget* window);
 // The window has not been placed yet: once placed, a window stays where
 // the user puts it for the rest of the session.
 bool NeverPlaced(const QWidget* window);
