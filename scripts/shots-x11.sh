@@ -138,6 +138,8 @@ click frmMAT Command3
 shot error-model
 click frmMAT Command6
 shot calibration
+# The error model generated rather than read from a Vest-Vobs file.
+click frmCalib Check4
 click frmCalib Command3
 shot calibration-started
 click frmCalib Picture2_4

@@ -9,6 +9,7 @@
 #include "state/Session.h"
 #include "ui/ExampleData.h"
 #include "ui/QtDialogs.h"
+#include "ui/WindowPlacement.h"
 #include "ui/frmMain.h"
 
 namespace {
@@ -48,6 +49,9 @@ int main(int argc, char* argv[]) {
   // Until a table is read, file dialogs start at the example data.
   dialogs.SetStartFolder(varnoth::ExampleDataDir());
   varnoth::frmMain window(session, colours, dialogs);
+  // At the top left of the screen, so that the windows it opens find room
+  // beside it.
+  window.move(varnoth::AvailableArea(&window).topLeft());
   window.show();
   varnoth::StartControlMap(&app);
   return QApplication::exec();

@@ -91,6 +91,11 @@ frmCalib::frmCalib(Session& session, CalibState& calib, frmMAT& mat, ColourSetti
   resize(minimumSizeHint());
 }
 
+QRect frmCalib::SettingsArea() const {
+  return QRect(centralWidget()->mapTo(this, QPoint(0, 0)),
+               QSize(kPanelWidth, centralWidget()->height()));
+}
+
 QSize frmCalib::ContentsSize() const {
   QRect all;
   for (const QWidget* c : centralWidget()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))

@@ -104,6 +104,8 @@ class frmCalib : public QMainWindow {
   double ZEnhancement() const;
   // The client area that holds every control.
   QSize ContentsSize() const;
+  // The settings and buttons on the left, in the window's coordinates.
+  QRect SettingsArea() const;
   void SetZEnhancement(double z);
   ColourSettings& Colours() { return colours_; }
   Dialogs& DialogsUsed() { return dialogs_; }

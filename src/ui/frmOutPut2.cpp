@@ -189,7 +189,9 @@ void frmOutPut2::Open(const FineGrid& fine, int index) {
   DrawLegend();
   if (Check2->isChecked()) DrawIntervals();
   Overlays();
-  if (NeverPlaced(this)) PlaceBeside(this, &calib_);
+  // Beside the tool, or else over its figures: its settings and the
+  // Start and Return buttons stay in view.
+  if (NeverPlaced(this)) PlaceBesideKeeping(this, &calib_, calib_.SettingsArea());
   show();
   raise();
 }
