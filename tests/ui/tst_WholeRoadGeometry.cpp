@@ -6,6 +6,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QPushButton>
 #include <QScreen>
 #include <QTest>
@@ -136,16 +137,28 @@ class tst_WholeRoadGeometry : public QObject {
     frmLuvane* l = mat->Luvane();
     QVERIFY(l && l->isVisible());
     CHECK_STEP("interpolation tool");
+    // The status line names the next step, and the example tables serve.
+    auto next = [l] {
+      QTest::qWait(300);
+      return l->StatusNext->text();
+    };
+    QVERIFY(next().startsWith("Import reference dataset"));
     f.dialogs.OpenNames.push_back(Example("stations.csv"));
     l->Command0->click();
     CHECK_STEP("stations");
+    QVERIFY(f.session.Interp.InterpRefLoaded);
+    QVERIFY(next().contains("Import target cordinates"));
     f.dialogs.OpenNames.push_back(Example("targets.csv"));
     l->Command2->click();
     CHECK_STEP("targets");
+    QVERIFY(f.session.Interp.InterpTargetLoaded);
+    QVERIFY(next().contains("Check accuracy"));
     l->Command3->click();
     CHECK_STEP("accuracy");
+    QVERIFY(next().contains("Return to Varnoth"));
     l->Command1->click();
     CHECK_STEP("returned");
+    QVERIFY(f.session.SiteInfoLoaded);
   }
 };
 
