@@ -45,6 +45,9 @@ void frmMAT::ReceiveCalibration() {
   DrawResponseMatrices();
   Command4->setEnabled(true);
   for (QAction* a : {mnuSaveOstrel, mnuSaveOstrel2, mnuCopy4}) a->setEnabled(true);
+  // The next step (Tamsek) is here: this window comes to the front.
+  raise();
+  activateWindow();
 }
 
 void frmMAT::CalibrationCleared() {

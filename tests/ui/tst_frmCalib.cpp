@@ -477,6 +477,8 @@ void TestFrmCalib::everyControlSaysWhatItDoesAndTheStatusLineTheNextStep() {
   QVERIFY(next(c->StatusNext).contains("Return"));
   c->Command10->click();
   QVERIFY(next(mat->StatusNext).contains("Tamsek 2.5"));
+  // The next step is in the reconstruction window: it comes to the front.
+  QTRY_VERIFY(mat->isActiveWindow());
 }
 
 void TestFrmCalib::dialogsStandOverTheToolAndTheChart() {
