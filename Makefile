@@ -1,5 +1,6 @@
 # Two commands on a fresh Debian 12 machine:
-#   make run    installs what is missing, builds and starts Varnoth
+#   make run    installs what is missing, builds and starts Varnoth (on a
+#               machine without a display: the example analysis in batch)
 #   make test   installs what is missing, builds and runs every test
 BUILD ?= build
 JOBS ?= $(shell nproc)
@@ -13,8 +14,10 @@ build: deps
 	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release
 	cmake --build $(BUILD) -j $(JOBS)
 
+# Without a display (no DISPLAY or WAYLAND_DISPLAY) the batch runner takes
+# the example data through the whole road and says what it wrote where.
 run: build
-	@if [ -x $(BUILD)/varnoth ]; then $(BUILD)/varnoth; else $(BUILD)/varnoth-batch; fi
+	@scripts/run.sh $(BUILD)
 
 batch: build
 	$(BUILD)/varnoth-batch

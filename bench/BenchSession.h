@@ -20,8 +20,12 @@ namespace varnoth::bench {
 // Answers Yes, shows nothing, chooses no file.
 class SilentDialogs final : public Dialogs {
  public:
-  std::optional<std::string> OpenFileName(const std::string&) override { return std::nullopt; }
-  std::optional<std::string> SaveFileName(const std::string&) override { return std::nullopt; }
+  std::optional<std::string> OpenFileName(const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
+  std::optional<std::string> SaveFileName(const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
   void Message(const std::string&, const std::string&) override {}
   bool Question(const std::string&, const std::string&) override { return true; }
 };

@@ -13,8 +13,12 @@ inline constexpr long kCalibPairs = 2000;
 
 class Quiet final : public Dialogs {
  public:
-  std::optional<std::string> OpenFileName(const std::string&) override { return std::nullopt; }
-  std::optional<std::string> SaveFileName(const std::string&) override { return std::nullopt; }
+  std::optional<std::string> OpenFileName(const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
+  std::optional<std::string> SaveFileName(const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
   void Message(const std::string&, const std::string&) override {}
   bool Question(const std::string&, const std::string&) override { return false; }
 };

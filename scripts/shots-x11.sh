@@ -49,44 +49,68 @@ type_path() {
   key Return
 }
 
-# Where the main window's controls stand, by name.
-probe=$("$BUILD/varnoth-shots" --probe)
-click() {
+# Where the controls of the windows in view stand, by window and name: the
+# program writes them to $MAP while it runs (VARNOTH_CONTROL_MAP).
+MAP=$(mktemp)
+export VARNOTH_CONTROL_MAP="$MAP"
+at() {
   local x y
-  read -r x y < <(awk -v n="$1" '$1 == n { print $2, $3 }' <<<"$probe")
-  xdotool windowactivate --sync "$main" 2>/dev/null || true
-  xdotool mousemove --window "$main" "$x" "$y" click 1
+  for _ in $(seq 40); do
+    read -r x y < <(awk -v w="$1" -v n="$2" '$1 == w && $2 == n { print $3, $4; exit }' "$MAP" 2>/dev/null) || true
+    [ -n "${x:-}" ] && { echo "$x $y"; return 0; }
+    sleep 0.25
+  done
+  echo "no control $2 in a window $1 in view" >&2
+  return 1
+}
+# As a user does: the window to the front by its title bar, then the control.
+click() {
+  local x y w h
+  read -r x y w h < <(awk -v w="$1" '$1 == w && $2 == "window" { print $3, $4, $5, $6; exit }' "$MAP")
+  xdotool mousemove "$((x + w / 2))" "$((y + 8))" click 1
+  sleep 0.3
+  read -r x y < <(at "$1" "$2")
+  xdotool mousemove "$x" "$y" click 1
   sleep 0.7
 }
+program() {
+  "$BUILD/varnoth" >/dev/null 2>&1 &
+  app=$!
+  pids+=($app)
+  main=$(xdotool search --sync --onlyvisible --name '^Varnoth' | head -1)
+}
+quit() {
+  # Ctrl+Q in the main window ends the program.
+  xdotool windowactivate --sync "$main"
+  key ctrl+q
+  for _ in $(seq 30); do kill -0 "$app" 2>/dev/null || break; sleep 0.2; done
+  if kill -0 "$app" 2>/dev/null; then echo "the program did not end on Ctrl+Q" >&2; exit 1; fi
+}
+example_data() {
+  # File > Open Example Data: the reference table, its pre-treatment, then
+  # the fossil table.
+  xdotool windowactivate --sync "$main"
+  key alt+f
+  key e
+}
 
-"$BUILD/varnoth" >/dev/null 2>&1 &
-app=$!
-pids+=($app)
-main=$(xdotool search --sync --onlyvisible --name '^Varnoth' | head -1)
+program
 shot start
-
-# Ctrl+O imports the reference table; the pre-treatment dialog follows.
-xdotool windowactivate --sync "$main"
-key ctrl+o
-shot open-dialog
-type_path "$EXAMPLES/reference.csv"
+example_data
 shot pretreatment
 key Return
-shot eofs
-key ctrl+o
-type_path "$EXAMPLES/fossil.csv"
 shot projected
-click Command11
+click frmMain Command11
 shot envelope
 # The tightest envelope: the test runs again and the status line follows.
-click Slider1
+click frmMain Slider1
 key Home
 shot envelope-tight
-click Command3
+click frmMain Command3
 shot control-panel
 panel=$(xdotool search --onlyvisible --name '^Control panel$' | head -1 || true)
 [ -n "$panel" ] && xdotool windowclose "$panel" 2>/dev/null || true
-click Command14
+click frmMain Command14
 shot diagram
 diagram=$(xdotool search --onlyvisible --name '^Diagram$' | head -1)
 xdotool windowactivate --sync "$diagram"
@@ -97,46 +121,56 @@ key alt+t c
 xdotool windowsize --sync "$diagram" 200 300 2>/dev/null || xdotool windowsize "$diagram" 200 300
 shot diagram-smallest
 xdotool windowsize "$diagram" 1000 720
-# The reconstruction window and the calibration tool, by the places of
-# their controls.
-probe_mat=$("$BUILD/varnoth-shots" --probe frmMAT)
-probe_calib=$("$BUILD/varnoth-shots" --probe frmCalib)
-click_in() {  # window, probe, control
-  local x y
-  read -r x y < <(awk -v n="$3" '$1 == n { print $2, $3 }' <<<"$2")
-  xdotool windowactivate --sync "$1" 2>/dev/null || true
-  xdotool mousemove --window "$1" "$x" "$y" click 1
-  sleep 0.7
-}
-click Command8
-mat=$(xdotool search --sync --onlyvisible --name '^Reconstruction$' | head -1)
+# Stereo pictures widen the main window only as far as the screen allows.
+click frmMain Check1
+shot stereo
+click frmMain Check1
+
+# The reconstruction with the example climate, its error model, the
+# calibration and the matrix down the core.
+click frmMain Command8
 shot reconstruction
-click_in "$mat" "$probe_mat" Command1
+click frmMAT Command1
+shot climate-dialog
 type_path "$EXAMPLES/climate.csv"
 shot reconstruction-curve
-click_in "$mat" "$probe_mat" Command3
-sleep 1
-shot reconstruction-error-model
-# The generated error model, "Start", then "Return": the window widens to
-# show the calibrated matrix with the curve and the scatter.
-click_in "$mat" "$probe_mat" Command6
-calib=$(xdotool search --sync --onlyvisible --name '^Ostrel 3.0$' | head -1)
-# Tall enough that "Start" and "Return" stand above the status line.
-xdotool windowsize --sync "$calib" 1224 640 2>/dev/null || xdotool windowsize "$calib" 1224 640
-sleep 0.5
-click_in "$calib" "$probe_calib" Check4
-click_in "$calib" "$probe_calib" Command3
-sleep 2
+click frmMAT Command3
+shot error-model
+click frmMAT Command6
 shot calibration
-click_in "$calib" "$probe_calib" Command10
-xdotool windowactivate --sync "$mat" 2>/dev/null || true
-shot reconstruction-returned
-click_in "$mat" "$probe_mat" Command4
-sleep 2
-shot reconstruction-matrices
-# Ctrl+Q in the main window ends the program.
-xdotool windowactivate --sync "$main"
-key ctrl+q
-for _ in $(seq 30); do kill -0 "$app" 2>/dev/null || break; sleep 0.2; done
-if kill -0 "$app" 2>/dev/null; then echo "the program did not end on Ctrl+Q" >&2; exit 1; fi
+# The error model generated rather than read from a Vest-Vobs file.
+click frmCalib Check4
+click frmCalib Command3
+shot calibration-started
+click frmCalib Picture2_4
+shot calibration-chart
+# Back in the calibration window: the chart stays beside it.
+click frmCalib Picture1_0
+shot calibration-chart-stays
+click frmCalib Command10
+shot calibration-returned
+click frmMAT Command4
+shot matrix-down-the-core
+quit
+
+# The interpolation tool on the made-up station and target tables.
+program
+example_data
+key Return
+click frmMain Command8
+click frmMAT Command8
+shot interpolation
+click frmLuvane Command0
+shot stations-dialog
+type_path "$EXAMPLES/stations.csv"
+shot stations
+click frmLuvane Command2
+type_path "$EXAMPLES/targets.csv"
+shot targets
+click frmLuvane Command3
+shot accuracy
+click frmLuvane Command1
+shot returned-to-varnoth
+quit
+rm -f "$MAP"
 echo "the road ended with Ctrl+Q"

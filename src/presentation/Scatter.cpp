@@ -230,7 +230,9 @@ void DrawTaxa(const Session& s, const ColourSettings& colours, const ScatterView
 
 void DrawSites(const Session& s, const ColourSettings& colours, const ScatterView& view, Count a,
                Count b, Count c, FigureSurfaces fig) {
-  const long n = s.RefSiteCount;
+  // A failed import leaves its row count; its zeroed taxa count marks the
+  // table as absent, and absent sites are not drawn.
+  const long n = s.RefTaxaCount > 0 ? s.RefSiteCount : 0;
   const double R = SitesRange(s);
   const QColor first = colours.Slot(1).ToQColor();
   const QColor second = colours.Slot(2).ToQColor();

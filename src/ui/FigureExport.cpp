@@ -16,7 +16,8 @@ struct Destination {
 
 std::optional<Destination> AskDestination(Dialogs& dialogs) {
   int chosen = -1;
-  std::optional<std::string> name = dialogs.SaveFileNameChoosing(kPictureFilter, chosen);
+  std::optional<std::string> name =
+      dialogs.SaveFileNameChoosing(kPictureFilter, "Save the picture", chosen);
   if (!name || name->empty()) return std::nullopt;
   std::string path = *name;
   const bool hasExtension = path.find('.', path.find_last_of('/') + 1) != std::string::npos;

@@ -90,7 +90,8 @@ bool SaveFigureForPublication(Dialogs& dialogs, QWidget* parent, PublicationKind
     return false;
   }
   int chosen = -1;
-  const std::optional<std::string> name = dialogs.SaveFileNameChoosing(kPublicationFilter, chosen);
+  const std::optional<std::string> name =
+      dialogs.SaveFileNameChoosing(kPublicationFilter, "Save the figure for publication", chosen);
   if (!name || name->empty()) return false;
   std::string path = *name;
   pub::PageFormat format = pub::PageFormatOf(path);

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QStringList>
@@ -21,36 +22,40 @@ QString QtFilter(const std::string& filter) {
   return out.join(QStringLiteral(";;"));
 }
 
-std::optional<std::string> QtDialogs::OpenFileName(const std::string& filter) {
-  QString name = QFileDialog::getOpenFileName(parent_, QString(), QString(), QtFilter(filter));
+std::optional<std::string> QtDialogs::Chosen(const QString& name) {
   if (name.isEmpty()) return std::nullopt;
+  folder_ = QFileInfo(name).absolutePath();
   return name.toStdString();
 }
 
-std::optional<std::string> QtDialogs::SaveFileName(const std::string& filter) {
+std::optional<std::string> QtDialogs::OpenFileName(const std::string& filter,
+                                                   const std::string& title) {
+  return Chosen(QFileDialog::getOpenFileName(Parent(), QString::fromStdString(title), folder_,
+                                             QtFilter(filter)));
+}
+
+std::optional<std::string> QtDialogs::SaveFileName(const std::string& filter,
+                                                   const std::string& title) {
   // The Qt save dialog asks before replacing a file; a "no" there is a cancel.
-  QString name = QFileDialog::getSaveFileName(parent_, QString(), QString(), QtFilter(filter));
-  if (name.isEmpty()) return std::nullopt;
-  return name.toStdString();
+  return Chosen(QFileDialog::getSaveFileName(Parent(), QString::fromStdString(title), folder_,
+                                             QtFilter(filter)));
 }
 
 std::optional<std::string> QtDialogs::SaveFileNameChoosing(const std::string& filter,
-                                                           int& chosen) {
+                                                           const std::string& title, int& chosen) {
   const QStringList filters = QtFilter(filter).split(QStringLiteral(";;"));
   QString selected;
-  QString name = QFileDialog::getSaveFileName(parent_, QString(), QString(),
+  QString name = QFileDialog::getSaveFileName(Parent(), QString::fromStdString(title), folder_,
                                               filters.join(QStringLiteral(";;")), &selected);
   chosen = static_cast<int>(filters.indexOf(selected));
-  if (name.isEmpty()) return std::nullopt;
-  return name.toStdString();
+  return Chosen(name);
 }
 
 std::optional<std::string> QtDialogs::OpenFileNameIn(const std::string& filter,
+                                                     const std::string& title,
                                                      const std::string& folder) {
-  QString name = QFileDialog::getOpenFileName(parent_, QString(), QString::fromStdString(folder),
-                                              QtFilter(filter));
-  if (name.isEmpty()) return std::nullopt;
-  return name.toStdString();
+  return Chosen(QFileDialog::getOpenFileName(Parent(), QString::fromStdString(title),
+                                             QString::fromStdString(folder), QtFilter(filter)));
 }
 
 void QtDialogs::Message(const std::string& text, const std::string& title) {
@@ -58,7 +63,7 @@ void QtDialogs::Message(const std::string& text, const std::string& title) {
   const bool busy = BusyPointer::IsBusy();
   if (busy) BusyPointer::Restore();
   QMessageBox box(QMessageBox::Warning, QString::fromStdString(title), QString::fromStdString(text),
-                  QMessageBox::Ok, parent_);
+                  QMessageBox::Ok, Parent());
   box.exec();
   if (busy) BusyPointer::Set();
 }
@@ -67,41 +72,55 @@ bool QtDialogs::Question(const std::string& text, const std::string& title) {
   const bool busy = BusyPointer::IsBusy();
   if (busy) BusyPointer::Restore();
   QMessageBox box(QMessageBox::Warning, QString::fromStdString(title), QString::fromStdString(text),
-                  QMessageBox::Yes | QMessageBox::No, parent_);
+                  QMessageBox::Yes | QMessageBox::No, Parent());
   const bool yes = box.exec() == QMessageBox::Yes;
   if (busy) BusyPointer::Set();
   return yes;
 }
 
+namespace {
+Dialogs& Innermost(Dialogs& d) {
+  auto* owned = dynamic_cast<OwnedDialogs*>(&d);
+  return owned ? owned->Inner() : d;
+}
+}  // namespace
+
+OwnedDialogs::OwnedDialogs(Dialogs& inner, QWidget* owner)
+    : inner_(Innermost(inner)), owner_(owner) {
+  SetOwner(owner);
+}
+
 template <typename Call>
 auto OwnedDialogs::Owned(Call call) {
-  auto* qt = dynamic_cast<QtDialogs*>(&inner_);
-  if (!qt || !owner_) return call();
   struct Restore {
-    QtDialogs* qt;
-    QPointer<QWidget> was;
-    ~Restore() { qt->SetParent(was); }
-  } restore{qt, qt->Parent()};
-  qt->SetParent(owner_);
+    Dialogs& d;
+    void* was;
+    ~Restore() { d.SetOwner(was); }
+  } restore{inner_, inner_.Owner()};
+  if (owner_) inner_.SetOwner(static_cast<QWidget*>(owner_.data()));
   return call();
 }
 
-std::optional<std::string> OwnedDialogs::OpenFileName(const std::string& filter) {
-  return Owned([&] { return inner_.OpenFileName(filter); });
+std::optional<std::string> OwnedDialogs::OpenFileName(const std::string& filter,
+                                                      const std::string& title) {
+  return Owned([&] { return inner_.OpenFileName(filter, title); });
 }
 
-std::optional<std::string> OwnedDialogs::SaveFileName(const std::string& filter) {
-  return Owned([&] { return inner_.SaveFileName(filter); });
+std::optional<std::string> OwnedDialogs::SaveFileName(const std::string& filter,
+                                                      const std::string& title) {
+  return Owned([&] { return inner_.SaveFileName(filter, title); });
 }
 
 std::optional<std::string> OwnedDialogs::SaveFileNameChoosing(const std::string& filter,
+                                                              const std::string& title,
                                                               int& chosen) {
-  return Owned([&] { return inner_.SaveFileNameChoosing(filter, chosen); });
+  return Owned([&] { return inner_.SaveFileNameChoosing(filter, title, chosen); });
 }
 
 std::optional<std::string> OwnedDialogs::OpenFileNameIn(const std::string& filter,
+                                                        const std::string& title,
                                                         const std::string& folder) {
-  return Owned([&] { return inner_.OpenFileNameIn(filter, folder); });
+  return Owned([&] { return inner_.OpenFileNameIn(filter, title, folder); });
 }
 
 void OwnedDialogs::Message(const std::string& text, const std::string& title) {

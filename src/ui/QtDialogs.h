@@ -13,20 +13,28 @@ namespace varnoth {
 // "DataFile(*.csv)|*.csv" as Qt writes a filter: "DataFile (*.csv)".
 QString QtFilter(const std::string& filter);
 
+// The owner (Dialogs::Owner) is always a QWidget here. File dialogs start
+// in the folder of the last file chosen in this session, or in the
+// starting folder (the example data) before that.
 class QtDialogs final : public Dialogs {
  public:
-  void SetParent(QWidget* parent) { parent_ = parent; }
-  QWidget* Parent() const { return parent_; }
-  std::optional<std::string> OpenFileName(const std::string& filter) override;
-  std::optional<std::string> SaveFileName(const std::string& filter) override;
-  std::optional<std::string> SaveFileNameChoosing(const std::string& filter, int& chosen) override;
-  std::optional<std::string> OpenFileNameIn(const std::string& filter,
+  void SetStartFolder(const std::string& folder) { folder_ = QString::fromStdString(folder); }
+  QString Folder() const { return folder_; }
+  std::optional<std::string> OpenFileName(const std::string& filter,
+                                          const std::string& title) override;
+  std::optional<std::string> SaveFileName(const std::string& filter,
+                                          const std::string& title) override;
+  std::optional<std::string> SaveFileNameChoosing(const std::string& filter,
+                                                  const std::string& title, int& chosen) override;
+  std::optional<std::string> OpenFileNameIn(const std::string& filter, const std::string& title,
                                             const std::string& folder) override;
   void Message(const std::string& text, const std::string& title) override;
   bool Question(const std::string& text, const std::string& title) override;
 
  private:
-  QPointer<QWidget> parent_;
+  QWidget* Parent() const { return static_cast<QWidget*>(Owner()); }
+  std::optional<std::string> Chosen(const QString& name);
+  QString folder_;
 };
 
 // The dialogs of one window: a message or file dialog raised by that
@@ -34,11 +42,16 @@ class QtDialogs final : public Dialogs {
 // from the dialogs it wraps, scripted ones included.
 class OwnedDialogs final : public Dialogs {
  public:
-  OwnedDialogs(Dialogs& inner, QWidget* owner) : inner_(inner), owner_(owner) {}
-  std::optional<std::string> OpenFileName(const std::string& filter) override;
-  std::optional<std::string> SaveFileName(const std::string& filter) override;
-  std::optional<std::string> SaveFileNameChoosing(const std::string& filter, int& chosen) override;
-  std::optional<std::string> OpenFileNameIn(const std::string& filter,
+  // Wrapping another window's dialogs wraps what that one wraps: the owner
+  // is always the window at hand.
+  OwnedDialogs(Dialogs& inner, QWidget* owner);
+  std::optional<std::string> OpenFileName(const std::string& filter,
+                                          const std::string& title) override;
+  std::optional<std::string> SaveFileName(const std::string& filter,
+                                          const std::string& title) override;
+  std::optional<std::string> SaveFileNameChoosing(const std::string& filter,
+                                                  const std::string& title, int& chosen) override;
+  std::optional<std::string> OpenFileNameIn(const std::string& filter, const std::string& title,
                                             const std::string& folder) override;
   void Message(const std::string& text, const std::string& title) override;
   bool Question(const std::string& text, const std::string& title) override;

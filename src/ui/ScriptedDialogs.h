@@ -15,6 +15,7 @@ class ScriptedDialogs final : public Dialogs {
  public:
   struct Shown {
     std::string Text, Title;
+    void* Owner = nullptr;  // the window it stood over
   };
 
   std::deque<std::optional<std::string>> OpenNames;  // empty queue: cancel
@@ -25,34 +26,39 @@ class ScriptedDialogs final : public Dialogs {
   std::vector<std::string> Filters;
   std::deque<int> SaveChoices;           // the filter chosen with each save name; empty: -1
   std::vector<std::string> OpenFolders;  // where each open dialog that names one starts
+  std::vector<Shown> FileDialogs;        // the title and owner of every file dialog
 
-  std::optional<std::string> OpenFileName(const std::string& filter) override {
+  std::optional<std::string> OpenFileName(const std::string& filter,
+                                          const std::string& title) override {
     Filters.push_back(filter);
+    FileDialogs.push_back({filter, title, Owner()});
     return Take(OpenNames);
   }
-  std::optional<std::string> SaveFileName(const std::string& filter) override {
+  std::optional<std::string> SaveFileName(const std::string& filter,
+                                          const std::string& title) override {
     Filters.push_back(filter);
+    FileDialogs.push_back({filter, title, Owner()});
     return Take(SaveNames);
   }
   std::optional<std::string> SaveFileNameChoosing(const std::string& filter,
-                                                  int& chosen) override {
+                                                  const std::string& title, int& chosen) override {
     chosen = -1;
     if (!SaveChoices.empty()) {
       chosen = SaveChoices.front();
       SaveChoices.pop_front();
     }
-    return SaveFileName(filter);
+    return SaveFileName(filter, title);
   }
-  std::optional<std::string> OpenFileNameIn(const std::string& filter,
+  std::optional<std::string> OpenFileNameIn(const std::string& filter, const std::string& title,
                                             const std::string& folder) override {
     OpenFolders.push_back(folder);
-    return OpenFileName(filter);
+    return OpenFileName(filter, title);
   }
   void Message(const std::string& text, const std::string& title) override {
-    Messages.push_back({text, title});
+    Messages.push_back({text, title, Owner()});
   }
   bool Question(const std::string& text, const std::string& title) override {
-    Questions.push_back({text, title});
+    Questions.push_back({text, title, Owner()});
     if (Answers.empty()) return false;
     bool a = Answers.front();
     Answers.pop_front();

@@ -13,8 +13,12 @@ using Table = std::vector<std::pair<const char*, const char*>>;
 
 const Table& MainTips() {
   static const Table t = {
-      {"Command5", "Read the modern reference table (sites by taxa) from a CSV file"},
-      {"Command6", "Read the fossil table (samples down the core by taxa) from a CSV file"},
+      {"Command5",
+       "Read the modern reference table (sites by taxa) from a CSV file. Imported first, it "
+       "opens the whole analysis: EOFs, envelope, diagram, reconstruction"},
+      {"Command6",
+       "Read the fossil table (samples down the core by taxa) from a CSV file. Imported first, "
+       "it gives the EOFs of the core alone: no reference table can follow"},
       {"Command3", "Choose which EOFs stand on the axes and which take part in the envelope"},
       {"Label6", "Whether the envelope uses EOFs beyond those on screen"},
       {"Slider4", "Zoom of the figures: the axes reach 2 to the power of this value"},
@@ -152,11 +156,101 @@ const Table& ColorTips() {
   return t;
 }
 
+// "Use pre-interpolated..." keeps the tip its climate import gives it.
+const Table& MATTips() {
+  static const Table t = {
+      {"Option1_0", "Compare fossil and modern samples by their taxa proportions"},
+      {"Option1_1", "Compare fossil and modern samples by their EOF values (choose how many EOFs)"},
+      {"Combo2", "How many EOFs the comparison uses (with EOF values)"},
+      {"Command7", "Choose the EOFs of the comparison (with EOF values)"},
+      {"Check1", "Weight each analogue by its distance: nearer analogues count more"},
+      {"Option3_0", "Weight by the inverse of the squared distance"},
+      {"Option3_1", "Weight by the inverse of the distance"},
+      {"Check2", "Enhance minor taxa before the comparison (not after an enhanced pre-treatment)"},
+      {"Option2_0", "Enhance by the square root"},
+      {"Option2_1", "Enhance by a logarithm"},
+      {"Slider3", "Least number of analogues taken, even beyond the threshold"},
+      {"Slider1", "Largest number of analogues taken"},
+      {"Slider2", "Dissimilarity up to which a modern sample counts as an analogue"},
+      {"Command8",
+       "Interpolate climate from station tables onto the reference sites (Luvane) - needs a "
+       "station table and the sites' positions"},
+      {"Combo1", "Climate parameter shown and saved"},
+      {"Text1", "Lower end of the curve's axis; also the range of the calibration"},
+      {"Text2", "Upper end of the curve's axis; also the range of the calibration"},
+      {"Check5", "Draw the conventional error bars of the analogues around the curve"},
+      {"Slider6", "Smoothing of the red curve: samples in the moving average"},
+      {"Picture1",
+       "Reconstructed curve down the core; click a sample; right click to copy or save"},
+      {"Picture2", "Estimated against observed values at the reference sites (error model)"},
+      {"Picture3", "Probability of each value down the core (Tamsek); right click to save"},
+      {"Picture4", "Calibration matrix from Ostrel; right click to copy or save"},
+      {"Check3", "Show the line of the selected sample"},
+      {"Combo3", "Choose the selected sample by its label"},
+      {"UpDown1", "Step the selected sample down or up the core"},
+      {"Command3",
+       "Estimate every reference site from the others (leave-one-out) - needs the curve; gives "
+       "the error model"},
+      {"Command6",
+       "Calibrate the leave-one-out error model into probabilities (Ostrel 3.0) - needs the error "
+       "model"},
+      {"Command4",
+       "Apply the calibration matrix to the curve down the core (Tamsek 2.5) - needs the "
+       "calibration (Return in Ostrel)"},
+      {"Command2", "Shows whether the calibration matrix is there (not a button to press)"},
+      {"Command5", "Shows whether the matrix down the core is there (not a button to press)"},
+      {"Option4_0", "Show the matrices as probabilities"},
+      {"Option4_1", "Show the matrices as confidence regions"},
+      {"Check4_0", "Draw the most probable value down the core"},
+      {"Check4_1", "Draw the average value down the core"},
+      {"Slider5", "Contrast of the probability colours"},
+      {"Slider7", "Size of the pictures"},
+  };
+  return t;
+}
+
+const Table& CalibTips() {
+  static const Table t = {
+      {"Command1_0",
+       "Read pairs of reconstructed and estimated values (Vrec-Vest); the reconstruction window "
+       "hands its error model over by itself"},
+      {"Command1_1", "Read pairs of estimated and observed values (Vest-Vobs) for the error model"},
+      {"Command3",
+       "Run the calibration: Fig.4 to Fig.8 - needs Fig.1 and an error model (Fig.2 "
+       "or Generate model)"},
+      {"Command10", "Hand the calibration matrix back to the reconstruction window - needs Start"},
+      {"Command2", "Close the calibration tool"},
+      {"Text1", "Lower end of the range of all figures"},
+      {"Text2", "Upper end of the range of all figures"},
+      {"Check1", "Draw the fitted line on Fig.2"},
+      {"Check4", "Make the error model from a normal spread instead of a Vest-Vobs file"},
+      {"Slider4", "Spread of the generated error model, in % of the range"},
+      {"Slider3", "Smoothing width, in % of the range"},
+      {"Slider1", "First confidence coefficient (%); double click the number to type it"},
+      {"Slider2", "Second confidence coefficient (%); double click the number to type it"},
+      {"Slider5", "Samples an observed value needs to be kept"},
+      {"Slider6", "Samples a reconstructed value needs to be kept"},
+      {"Check5", "Skip the normalisation per observed value"},
+      {"Check2", "Draw the most probable value on Fig.7 and Fig.8"},
+      {"Check6", "Draw the average value on Fig.7 and Fig.8"},
+      {"Picture1_0", "Fig.1: reconstructed against estimated values"},
+      {"Picture1_1", "Fig.2: estimated against observed values, the error model's data"},
+      {"Picture2_0", "Fig.3: the error model"},
+      {"Picture2_1", "Fig.4: the product of the error model and Fig.1"},
+      {"Picture2_2", "Fig.5: smoothed"},
+      {"Picture2_3", "Fig.6: normalised per observed value"},
+      {"Picture2_4", "Fig.7: probability; click to open the calibration chart"},
+      {"Picture2_5", "Fig.8: confidence regions; click to open the calibration chart"},
+  };
+  return t;
+}
+
 const Table* TableFor(const QString& window) {
   static const std::map<QString, const Table*> tables = {
       {"frmMain", &MainTips()},       {"frmCorrelVar", &CorrelVarTips()},
       {"frmControl", &ControlTips()}, {"frmDiagram", &DiagramTips()},
-      {"frmColor", &ColorTips()},
+      {"frmColor", &ColorTips()},     {"frmMAT", &MATTips()},
+      {"frmCalib", &CalibTips()},
   };
   const auto found = tables.find(window);
   return found == tables.end() ? nullptr : found->second;

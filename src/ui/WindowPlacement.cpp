@@ -72,6 +72,16 @@ QRect Beside(const QRect& owner, QSize size, const QRect& screen) {
   return OntoScreen(r, screen);
 }
 
+QRect BesideKeeping(const QRect& owner, const QRect& keep, QSize size, const QRect& screen) {
+  const QRect beside = Beside(owner, size, screen);
+  if (!beside.intersects(owner)) return beside;
+  for (const QRect& tried :
+       {OntoScreen(QRect(QPoint(keep.right() + 1, owner.top()), size), screen),
+        OntoScreen(QRect(QPoint(keep.left() - size.width(), owner.top()), size), screen)})
+    if (!tried.intersects(keep)) return tried;
+  return beside;
+}
+
 bool NeverPlaced(const QWidget* window) { return !window->testAttribute(Qt::WA_Moved); }
 
 QRect AvailableArea(const QWidget* window) {
@@ -90,6 +100,20 @@ void PlaceBeside(QWidget* window, const QWidget* owner) {
   const QMargins borders = FrameBorders(window, owner);
   const QSize frame = FrameSize(borders, ClientSize(window));
   MoveFrame(window, Beside(OwnerFrame(owner), frame, AvailableArea(owner)), borders);
+}
+
+void KeepOnScreen(QWidget* window) {
+  if (!window->isVisible()) return;
+  const QRect frame = window->frameGeometry();
+  const QRect fitted = OntoScreen(frame, AvailableArea(window));
+  if (fitted != frame) MoveFrame(window, fitted, FrameBorders(window, nullptr));
+}
+
+void PlaceBesideKeeping(QWidget* window, const QWidget* owner, const QRect& keep) {
+  const QMargins borders = FrameBorders(window, owner);
+  const QSize frame = FrameSize(borders, ClientSize(window));
+  const QRect kept(owner->mapToGlobal(keep.topLeft()), keep.size());
+  MoveFrame(window, BesideKeeping(OwnerFrame(owner), kept, frame, AvailableArea(owner)), borders);
 }
 
 void PlaceOver(QWidget* window, const QWidget* owner, QSize defaultSize) {

@@ -17,6 +17,10 @@ QRect CentredOn(const QRect& owner, QSize size, const QRect& screen);
 // when there is more room there, top edges level, then moved onto
 // `screen`.
 QRect Beside(const QRect& owner, QSize size, const QRect& screen);
+// Beside `owner` where there is room; where there is not, beside the part
+// `keep` of the owner (its controls) that must stay in view, covering the
+// rest of the owner rather than that part.
+QRect BesideKeeping(const QRect& owner, const QRect& keep, QSize size, const QRect& screen);
 // A rectangle of `size` (shrunk to the screen where it must be) moved the
 // least distance that puts it wholly on `screen`.
 QRect OntoScreen(const QRect& wanted, const QRect& screen);
@@ -25,9 +29,14 @@ QRect OntoScreen(const QRect& wanted, const QRect& screen);
 // frame is taken as the owner's, whose borders are the same.
 void PlaceCentredOn(QWidget* window, const QWidget* owner);
 void PlaceBeside(QWidget* window, const QWidget* owner);
+// `keep` is a rectangle of the owner's client area.
+void PlaceBesideKeeping(QWidget* window, const QWidget* owner, const QRect& keep);
 // A window at its default size, cascaded from its owner's top-left
 // corner, and on screen.
 void PlaceOver(QWidget* window, const QWidget* owner, QSize defaultSize);
+// Moves a window the least distance that puts its frame wholly on the
+// available screen, shrinking it where it is larger.
+void KeepOnScreen(QWidget* window);
 // The window has not been placed yet: once placed, a window stays where
 // the user puts it for the rest of the session.
 bool NeverPlaced(const QWidget* window);

@@ -1,6 +1,7 @@
 #include "ui/frmCalib.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QKeyEvent>
@@ -13,11 +14,13 @@
 #include <QPushButton>
 #include <QSlider>
 #include <QStatusBar>
+#include <QTimer>
 
 #include "calibration/PairSets.h"
 #include "state/Format.h"
 #include "ui/Controls.h"
 #include "ui/PictureBox.h"
+#include "ui/ToolTips.h"
 #include "ui/WindowPlacement.h"
 #include "ui/frmCC1.h"
 #include "ui/frmCC2.h"
@@ -68,7 +71,8 @@ frmCalib::frmCalib(Session& session, CalibState& calib, frmMAT& mat, ColourSetti
       c_(calib),
       mat_(mat),
       colours_(colours),
-      dialogs_(dialogs),
+      ownDialogs_(dialogs, this),
+      dialogs_(ownDialogs_),
       images_(colours, [this] { return ZEnhancement(); }) {
   setObjectName("frmCalib");
   setWindowTitle("Ostrel 3.0");
@@ -77,7 +81,26 @@ frmCalib::frmCalib(Session& session, CalibState& calib, frmMAT& mat, ColourSetti
   BuildMenus();
   ConnectEvents();
   progress_.SetBar(ProgressBar1);
-  resize(kFiguresLeft + 4 * (kFigure + kFigureGap), kRowTop[1] + kFigure + 70);
+  connect(qApp, &QGuiApplication::focusWindowChanged, this, [this](QWindow* now) {
+    if (now && now != windowHandle()) lastOther_ = now;
+  });
+  // The controls stand at fixed places: the client area holds them all, and
+  // the window adds its menu and status bars to that.
+  ExplainControls(this);
+  centralWidget()->setMinimumSize(ContentsSize());
+  resize(minimumSizeHint());
+}
+
+QRect frmCalib::SettingsArea() const {
+  return QRect(centralWidget()->mapTo(this, QPoint(0, 0)),
+               QSize(kPanelWidth, centralWidget()->height()));
+}
+
+QSize frmCalib::ContentsSize() const {
+  QRect all;
+  for (const QWidget* c : centralWidget()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+    all |= c->geometry();
+  return QSize(all.right() + 8, all.bottom() + 8);
 }
 
 frmCalib::~frmCalib() = default;
@@ -225,7 +248,18 @@ void frmCalib::BuildControls() {
   }
   StatusLabel = new QLabel("X: / Y: ");
   StatusLabel->setObjectName("StatusLabel");
-  statusBar()->addWidget(StatusLabel, 1);
+  StatusNext = new QLabel;
+  StatusNext->setObjectName("StatusNext");
+  statusBar()->setSizeGripEnabled(false);
+  statusBar()->addWidget(StatusNext, 1);
+  statusBar()->addPermanentWidget(StatusLabel);
+  StatusLabel->setMinimumWidth(300);
+  auto* follow = new QTimer(this);
+  connect(follow, &QTimer::timeout, this, [this] {
+    const QString next = NextStep();
+    if (StatusNext->text() != next) StatusNext->setText(next);
+  });
+  follow->start(250);
 }
 
 void frmCalib::BuildMenus() {
@@ -363,12 +397,32 @@ void frmCalib::Activate() {
     colours_.PaletteChanged = false;
     check3_ = false;
   }
-  UnloadSecondary();
+  // Coming back from the tool's own chart or dialogs keeps them: the chart
+  // is read beside the figures. From elsewhere they are closed.
+  if (!ComingFromOwnWindow()) UnloadSecondary();
   c_.CalibToolOpen = true;
   // Pairs are taken only from an error model of the present settings.
   if (!c_.PictDrawn[1] && s_.ErrorModelReady) TransferData();
   if (c_.PictDrawn[1] && (c_.PictDrawn[2] || Check4->isChecked()) && !c_.PictDrawn[8])
     Command3->setEnabled(true);
+}
+
+QString frmCalib::NextStep() const {
+  if (!c_.PictDrawn[1])
+    return "Fig.1 needs pairs of reconstructed and estimated values: Import Vrec-Vest file, or "
+           "open the tool after Generate error model";
+  if (!c_.PictDrawn[2] && !Check4->isChecked())
+    return "Next, the error model: Import Vest-Vobs file, or tick Generate model";
+  if (!c_.PictDrawn[8]) return "Next: Start runs the calibration (Fig.4 to Fig.8)";
+  return "Calibrated. Click Fig.7 or Fig.8 for the chart; Return hands the matrix to the "
+         "reconstruction";
+}
+
+bool frmCalib::ComingFromOwnWindow() const {
+  if (!lastOther_) return false;
+  for (QWidget* w : std::initializer_list<QWidget*>{chart_.get(), cc1_.get(), cc2_.get()})
+    if (w && w->windowHandle() == lastOther_) return true;
+  return false;
 }
 
 void frmCalib::UnloadSecondary() {

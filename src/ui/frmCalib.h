@@ -5,6 +5,8 @@
 // computation is the calibration engine's, this window reads its controls
 // into the settings record and paints what the engine reports.
 #include <QMainWindow>
+#include <QPointer>
+#include <QWindow>
 #include <array>
 #include <functional>
 #include <memory>
@@ -72,6 +74,8 @@ class frmCalib : public QMainWindow {
   void PrepareChart(int index);
   void SaveProbability();
   void SaveConfidence();
+  // The same asked over another window of the tool (the chart).
+  void SaveConfidenceOver(Dialogs& dialogs);
   void PrintAll();
   // The reconstruction window's Z-axis enhancement changed: the colours
   // follow (Check7).
@@ -103,6 +107,10 @@ class frmCalib : public QMainWindow {
   int FigureShows(int figure) const { return shows_[static_cast<std::size_t>(figure)]; }
   bool GreyMode() const { return colours_.GreyMode; }
   double ZEnhancement() const;
+  // The client area that holds every control.
+  QSize ContentsSize() const;
+  // The settings and buttons on the left, in the window's coordinates.
+  QRect SettingsArea() const;
   void SetZEnhancement(double z);
   ColourSettings& Colours() { return colours_; }
   Dialogs& DialogsUsed() { return dialogs_; }
@@ -124,6 +132,8 @@ class frmCalib : public QMainWindow {
   std::array<QLabel*, 2> Label4{}, Label12{}, Label13{}, Label14{}, Label15{}, Label21{};
   std::array<QLabel*, 4> Label5{};
   std::array<QLabel*, 14> Label1{}, Label2{};
+  QLabel* StatusNext = nullptr;  // the next step of the calibration
+  QString NextStep() const;
   QLabel *Label7 = nullptr, *Label8 = nullptr, *Label9 = nullptr, *Label10 = nullptr,
          *Label11 = nullptr, *Label16 = nullptr, *Label17 = nullptr, *Label18 = nullptr,
          *Label19 = nullptr, *Label22 = nullptr, *Label23 = nullptr, *Label24 = nullptr,
@@ -181,6 +191,7 @@ class frmCalib : public QMainWindow {
   CalibState& c_;
   frmMAT& mat_;
   ColourSettings& colours_;
+  OwnedDialogs ownDialogs_;  // dialogs stand over this window
   Dialogs& dialogs_;
   BarProgress progress_{nullptr};
   ErrorBoundary boundary_{dialogs_, progress_};
@@ -192,6 +203,9 @@ class frmCalib : public QMainWindow {
   std::unique_ptr<frmPrintSetup> printSetup_;
   bool loaded_ = false;
   bool check3_ = false;  // the print options ask for a rebuild
+  // The last window of the program that was active before this one.
+  QPointer<QWindow> lastOther_;
+  bool ComingFromOwnWindow() const;
   bool check7_ = false;  // a change of state repaints every figure
   std::array<int, 9> shows_{};
 };

@@ -276,7 +276,9 @@ void frmCalib::TransferData() {
 
 void frmCalib::ImportPairs(int k) {
   boundary_.Run([this, k] {
-    const std::optional<std::string> path = dialogs_.OpenFileName(kDataFileFilter);
+    const std::optional<std::string> path = dialogs_.OpenFileName(
+        kDataFileFilter, k == 0 ? "Open pairs of reconstructed and estimated values (Vrec-Vest)"
+                                : "Open pairs of estimated and observed values (Vest-Vobs)");
     if (!path) return;  // a cancel leaves everything as it was
     if (!ImportPairFile(c_, k, *path)) {
       if (k == 1) Command1[1]->setFocus();

@@ -20,14 +20,18 @@ namespace varnoth {
 
 void frmCalib::SaveProbability() {
   boundary_.Run([this] {
-    const std::optional<std::string> path = dialogs_.SaveFileName(kDataFileFilter);
+    const std::optional<std::string> path =
+        dialogs_.SaveFileName(kDataFileFilter, "Save the probability matrix");
     varnoth::SaveProbability(c_, Settings(), path, progress_);
   });
 }
 
-void frmCalib::SaveConfidence() {
-  boundary_.Run([this] {
-    const std::optional<std::string> path = dialogs_.SaveFileName(kDataFileFilter);
+void frmCalib::SaveConfidence() { SaveConfidenceOver(dialogs_); }
+
+void frmCalib::SaveConfidenceOver(Dialogs& dialogs) {
+  boundary_.Run([this, &dialogs] {
+    const std::optional<std::string> path =
+        dialogs.SaveFileName(kDataFileFilter, "Save the confidence regions");
     varnoth::SaveConfidence(c_, Settings(), path, progress_);
   });
 }

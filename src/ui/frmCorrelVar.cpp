@@ -10,6 +10,7 @@
 #include <QWindow>
 #include <algorithm>
 
+#include "ui/QtDialogs.h"
 #include "ui/ToolTips.h"
 #include "ui/WindowPlacement.h"
 #include "ui/frmMain.h"
@@ -118,13 +119,26 @@ void frmCorrelVar::Open() {
   Command1->setFocus();
 }
 
-void frmCorrelVar::reject() { close(); }
+// Esc keeps the dialog: it is the only way on after a reference import,
+// and a key pressed by habit must not end the session.
+void frmCorrelVar::reject() {}
 
 void frmCorrelVar::closeEvent(QCloseEvent* event) {
   // While the dialog is up the main window is held, so its own frame is the
-  // only way out: closing it ends the program.
+  // only way out: closing it ends the program, once the user has said so.
+  if (confirming_ || main_.Quitting() || !isVisible()) {
+    event->accept();
+    return;
+  }
+  OwnedDialogs over(main_.dialogs(), this);
+  if (!over.Question("The EOF analysis needs the pre-treatment: choose it and click OK to go "
+                     "on.\n\nQuit Varnoth now?",
+                     "Varnoth")) {
+    event->ignore();
+    return;
+  }
   event->accept();
-  if (!confirming_) main_.QuitProgram();
+  main_.QuitProgram();
 }
 
 }  // namespace varnoth

@@ -287,7 +287,9 @@ void frmDiagram::SaveAllEOF() { SaveWith(true); }
 void frmDiagram::SaveWith(bool all) {
   boundary_.Run([this, all] {
     // The dialog asks before an existing file is replaced; a cancel ends quietly.
-    const std::optional<std::string> path = dialogs_.SaveFileName(kDataFileFilter);
+    const std::optional<std::string> path = dialogs_.SaveFileName(
+        kDataFileFilter, all ? "Save the curves of all EOFs down the core"
+                             : "Save the curve of EOF " + Combo1->currentText().toStdString());
     if (!path) return;
     RefreshSettings();
     if (all)

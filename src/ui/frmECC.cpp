@@ -56,7 +56,8 @@ frmECC::frmECC(Session& session, ColourSettings& colours, Dialogs& dialogs, Prog
     : QWidget(parent, Qt::Window),
       s_(session),
       colours_(colours),
-      dialogs_(dialogs),
+      ownDialogs_(dialogs, this),
+      dialogs_(ownDialogs_),
       progress_(progress),
       diagram_(diagram) {
   setObjectName("frmECC");
@@ -191,8 +192,9 @@ bool frmECC::Load() {
   EccEof = 1;
   if (!s_.ClimateLoaded) {
     if (!dialogs_.Question("Please import climate file.", "Varnoth")) return false;
-    const ClimateImportResult read =
-        Inport_climate_data(s_, dialogs_.OpenFileName(kDataFileFilter), dialogs_);
+    const ClimateImportResult read = Inport_climate_data(
+        s_, dialogs_.OpenFileName(kDataFileFilter, "Open climate at the reference sites"),
+        dialogs_);
     // A cancelled dialog or a file that cannot be opened ends quietly.
     if (read.Failure && *read.Failure != FailureKind::Cancelled &&
         !IsFileFailure(*read.Failure))

@@ -11,6 +11,7 @@
 #include "state/Dialogs.h"
 #include "state/Session.h"
 #include "ui/ErrorBoundary.h"
+#include "ui/QtDialogs.h"
 
 class QAction;
 class QGroupBox;
@@ -81,6 +82,7 @@ class frmECC : public QWidget {
 
   Session& s_;
   ColourSettings& colours_;
+  OwnedDialogs ownDialogs_;  // dialogs stand over this window
   Dialogs& dialogs_;
   Progress& progress_;
   frmDiagram& diagram_;

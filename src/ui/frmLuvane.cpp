@@ -17,6 +17,8 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
+#include <QStatusBar>
+#include <QTimer>
 #include <QToolTip>
 #include <cmath>
 
@@ -97,6 +99,27 @@ frmLuvane::frmLuvane(Session& session, Dialogs& dialogs, frmMAT& mat, QWidget* p
   setWindowTitle("Luvane 1.1");
   setAttribute(Qt::WA_QuitOnClose, false);
   BuildControls();
+  StatusNext = new QLabel(this);
+  StatusNext->setObjectName("StatusNext");
+  statusBar()->setSizeGripEnabled(false);
+  statusBar()->addWidget(StatusNext, 1);
+  auto* follow = new QTimer(this);
+  connect(follow, &QTimer::timeout, this, [this] {
+    const QString next = NextStep();
+    if (StatusNext->text() != next) StatusNext->setText(next);
+  });
+  follow->start(250);
+  StatusNext->setText(NextStep());
+}
+
+QString frmLuvane::NextStep() const {
+  if (s_.SiteInfoLoaded) return "The climate is with the reconstruction";
+  if (!s_.Interp.InterpRefLoaded)
+    return "Import reference dataset: the climate stations (a CSV file)";
+  if (!s_.Interp.InterpTargetLoaded)
+    return "Next: Import target cordinates, the positions of the reference sites in their order";
+  if (!Command1->isEnabled()) return "Next: Check accuracy interpolates onto the sites";
+  return "Next: Return to Varnoth hands the climate to the reconstruction";
 }
 
 frmLuvane::~frmLuvane() = default;
@@ -232,7 +255,8 @@ void frmLuvane::PlaceControls() {
   centralWidget()->setFixedSize(mapWidth + kBeside, height);
   // The window follows the map at once, not at the next layout pass.
   if (layout()) layout()->activate();
-  resize(mapWidth + kBeside, height + menuBar()->sizeHint().height());
+  resize(mapWidth + kBeside,
+         height + menuBar()->sizeHint().height() + statusBar()->sizeHint().height());
 }
 
 void frmLuvane::Open() {
@@ -324,7 +348,15 @@ void frmLuvane::ImportData(Count mode) {
   QPushButton* button = mode == kStationFile ? Command0 : Command2;
   // Every failure of an import ends it quietly, its button usable again.
   try {
-    const std::optional<std::string> path = dialogs_.OpenFileName(kDataFileFilter);
+    const std::string title = mode == kStationFile
+                                  ? "Open station table (reference dataset)"
+                                  : "Open target table (positions of the reference sites)";
+    // With the example data in use, their station and target tables are
+    // beside them.
+    const std::optional<std::string> path =
+        s_.ExampleFolder.empty()
+            ? dialogs_.OpenFileName(kDataFileFilter, title)
+            : dialogs_.OpenFileNameIn(kDataFileFilter, title, s_.ExampleFolder);
     const InterpImportResult r = varnoth::ImportData(s_, mode, path, dialogs_);
     BusyPointer::Restore();
     if (!r.Ok) {

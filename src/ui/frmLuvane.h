@@ -45,6 +45,9 @@ class frmLuvane : public QMainWindow {
   // frmMAT's "Launch Luvane 1.1": loads the window if need be and shows it.
   void Open();
   bool Loaded() const { return loaded_; }
+  // The next step of the interpolation, shown in the status line.
+  QString NextStep() const;
+  QLabel* StatusNext = nullptr;
 
   // Public operations.
   void ImportData(Count mode);

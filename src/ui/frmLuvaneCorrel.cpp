@@ -194,7 +194,8 @@ void frmLuvaneCorrel::MoveOnScatter(double x, double y) {
 
 void frmLuvaneCorrel::SaveMatrix() {
   boundary_.Run([this] {
-    const std::optional<std::string> path = dialogs_.SaveFileName(kDataFileFilter);
+    const std::optional<std::string> path = dialogs_.SaveFileName(
+        kDataFileFilter, "Save the estimated and observed climate of the stations");
     if (!path) return;  // a cancel ends the save quietly
     BarProgress progress(nullptr);
     SaveInterpMatrix(s_, path, progress);

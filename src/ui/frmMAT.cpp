@@ -13,6 +13,8 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
+#include <QStatusBar>
+#include <QTimer>
 #include <algorithm>
 #include <climits>
 #include <tuple>
@@ -21,6 +23,7 @@
 #include "ui/Controls.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
+#include "ui/ToolTips.h"
 #include "ui/WindowPlacement.h"
 #include "ui/frmCalib.h"
 #include "ui/frmDiagram.h"
@@ -52,7 +55,8 @@ frmMAT::frmMAT(Session& session, ColourSettings& colours, Dialogs& dialogs, Prog
     : QMainWindow(parent, Qt::Window),
       s_(session),
       colours_(colours),
-      dialogs_(dialogs),
+      ownDialogs_(dialogs, this),
+      dialogs_(ownDialogs_),
       mainProgress_(mainProgress) {
   setObjectName("frmMAT");
   setWindowTitle("Reconstruction");
@@ -60,6 +64,8 @@ frmMAT::frmMAT(Session& session, ColourSettings& colours, Dialogs& dialogs, Prog
   BuildControls();
   BuildMenus();
   ConnectEvents();
+  ExplainControls(this);
+  BuildStatusLine();
   ConnectLuvane();
   pictureWidth_ = Pixels(kPictureTwips);
   frame5Width_ = kFrame5Width;
@@ -612,6 +618,41 @@ void frmMAT::closeEvent(QCloseEvent* event) {
   dragging_ = sizing_ = false;
   emit Unloaded();
   event->accept();
+}
+
+void frmMAT::BuildStatusLine() {
+  StatusNext = new QLabel(this);
+  StatusNext->setObjectName("StatusNext");
+  statusBar()->setSizeGripEnabled(false);
+  statusBar()->addWidget(StatusNext, 1);
+  // The stages move in this window, the calibration tool and the
+  // interpolation tool alike: the line follows them wherever they moved.
+  auto* follow = new QTimer(this);
+  connect(follow, &QTimer::timeout, this, [this] {
+    const QString next = NextStep();
+    if (StatusNext->text() != next) StatusNext->setText(next);
+  });
+  follow->start(250);
+  StatusNext->setText(NextStep());
+}
+
+QString frmMAT::NextStep() const {
+  const QString parameter = Combo1->currentText();
+  if (!s_.ClimateLoaded)
+    return "Load climate at the reference sites: Use pre-interpolated... (a CSV file) or Launch "
+           "Luvane 1.1 (from station tables)";
+  if (!s_.ReconstructionOpen) return "Climate loaded: the reconstruction runs";
+  if (!s_.ErrorModelReady)
+    return "Curve of " + parameter +
+           " down the core. Next: Generate error model (leave-one-out on the reference sites)";
+  if (!calibReady_)
+    return "Error model of " + parameter +
+           " ready. Next: Ostrel 3.0 calibrates it into probabilities (Start, then Return)";
+  if (!histReady_)
+    return "Calibration matrix of " + parameter +
+           " here. Next: Tamsek 2.5 applies it to the curve down the core";
+  return "Probability of " + parameter +
+         " down the core shown. Save it: File > Save > Tamsek Matrix";
 }
 
 }  // namespace varnoth

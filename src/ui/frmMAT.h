@@ -117,6 +117,9 @@ class frmMAT : public QMainWindow {
               *Command5 = nullptr, *Command6 = nullptr, *Command7 = nullptr, *Command8 = nullptr;
   QCheckBox *Check1 = nullptr, *Check2 = nullptr, *Check3 = nullptr, *Check5 = nullptr;
   std::array<QCheckBox*, 2> Check4{};
+  QLabel* StatusNext = nullptr;  // the next step of the reconstruction
+  // The next step, told by the stage the window has reached.
+  QString NextStep() const;
   QLabel *Label1 = nullptr, *Label2 = nullptr, *Label4 = nullptr, *Label5 = nullptr,
          *Label6 = nullptr, *Label7 = nullptr;
   std::array<QLabel*, 2> Label3{};
@@ -173,6 +176,7 @@ class frmMAT : public QMainWindow {
   void BuildControls();
   void BuildMenus();
   void AddPublicationEntries();  // the figures for papers, frmMAT_publication.cpp
+  void BuildStatusLine();
   void ConnectEvents();
   void Load();
   void Activate();
@@ -213,10 +217,12 @@ class frmMAT : public QMainWindow {
 
   // Saves, in frmMAT_files.cpp.
   template <typename Writer>
-  void SaveWith(Writer writer);
+  void SaveWith(Writer writer, const std::string& title);
+  std::string ShownParameter() const;  // the parameter in Combo1
 
   Session& s_;
   ColourSettings& colours_;
+  OwnedDialogs ownDialogs_;  // dialogs stand over this window
   Dialogs& dialogs_;
   Progress& mainProgress_;
   BarProgress progress_{nullptr};

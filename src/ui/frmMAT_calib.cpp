@@ -46,6 +46,9 @@ void frmMAT::ReceiveCalibration() {
   DrawResponseMatrices();
   Command4->setEnabled(true);
   for (QAction* a : {mnuSaveOstrel, mnuSaveOstrel2, mnuCopy4}) a->setEnabled(true);
+  // The next step (Tamsek) is here: this window comes to the front.
+  raise();
+  activateWindow();
 }
 
 void frmMAT::CalibrationCleared() {
@@ -150,7 +153,8 @@ void frmMAT::DrawResponseMatrices() {
 void frmMAT::SaveOstrel() {
   boundary_.Run([this] {
     if (!calib_) return;
-    const std::optional<std::string> path = dialogs_.SaveFileName(kDataFileFilter);
+    const std::optional<std::string> path = dialogs_.SaveFileName(
+        kDataFileFilter, "Save the calibration matrix of " + ShownParameter());
     AnalogueChoices choices{Settings(), Slider2->value()};
     // The bins of the axis the matrix was built on.
     varnoth::SaveOstrel(s_, *calib_, CalibSettingsShown(), choices, LenientParse(calib_->LastText1),
@@ -161,7 +165,8 @@ void frmMAT::SaveOstrel() {
 void frmMAT::SaveTamsek() {
   boundary_.Run([this] {
     if (!calib_) return;
-    const std::optional<std::string> path = dialogs_.SaveFileName(kDataFileFilter);
+    const std::optional<std::string> path =
+        dialogs_.SaveFileName(kDataFileFilter, "Save the histogram matrix of " + ShownParameter());
     AnalogueChoices choices{Settings(), Slider2->value()};
     varnoth::SaveTamsek(s_, *calib_, CalibSettingsShown(), choices, hist_, Slider6->value(),
                         LenientParse(Text1->text().toStdString()), CurrentStamp(), path,

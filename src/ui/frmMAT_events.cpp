@@ -263,8 +263,10 @@ void frmMAT::Inport_climate_data() {
   boundary_.Run([this] {
     std::optional<std::string> path;
     if (!s_.ClimateLoaded) {
-      path = s_.ExampleFolder.empty() ? dialogs_.OpenFileName(kDataFileFilter)
-                                      : dialogs_.OpenFileNameIn(kDataFileFilter, s_.ExampleFolder);
+      const char* title = "Open climate at the reference sites";
+      path = s_.ExampleFolder.empty()
+                 ? dialogs_.OpenFileName(kDataFileFilter, title)
+                 : dialogs_.OpenFileNameIn(kDataFileFilter, title, s_.ExampleFolder);
       if (!path) return;  // a cancel leaves everything as it was
     }
     const ClimateImportResult r = varnoth::Inport_climate_data(s_, path, dialogs_);

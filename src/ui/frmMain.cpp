@@ -59,7 +59,7 @@ frmMain::frmMain(Session& session, ColourSettings& colours, Dialogs& dialogs, QW
   setObjectName("frmMain");
   setWindowTitle("Varnoth");
   endProgram_ = [] { QCoreApplication::quit(); };
-  if (auto* qt = dynamic_cast<QtDialogs*>(&dialogs_)) qt->SetParent(this);
+  dialogs_.SetOwner(this);  // dialogs of the other windows stand over those
   BuildControls();
   BuildMenus();
   BuildPopups();
@@ -68,8 +68,9 @@ frmMain::frmMain(Session& session, ColourSettings& colours, Dialogs& dialogs, QW
   BuildStatusLine();
   BuildShortcuts();
   ExplainControls(this);
-  // Figures of a readable size where the screen allows.
-  QSize size(980, 720);
+  // Figures of a readable size where the screen allows, and room to the
+  // right of the window for the panels and tools it opens.
+  QSize size(840, 720);
   if (const QScreen* screen = QGuiApplication::primaryScreen())
     size = size.boundedTo(screen->availableSize());
   resize(size.expandedTo(minimumSizeHint()));

@@ -69,6 +69,7 @@ class frmMain : public QMainWindow {
   Session& session() { return s_; }
   ColourSettings& colours() { return colours_; }
   Dialogs& dialogs() { return dialogs_; }
+  bool Quitting() const { return quitting_; }
   Progress& progress() { return progress_; }
   ErrorBoundary& boundary() { return boundary_; }
 
@@ -197,7 +198,7 @@ class frmMain : public QMainWindow {
   std::function<void()> endProgram_;
   bool quitting_ = false;
   bool redrawPending_ = false;
-  int stereoGrow_ = 0;
+  int widthBeforeStereo_ = 0;
 
   std::map<WindowOrder, std::vector<QPointer<QWidget>>> windows_;
   QPointer<frmCorrelVar> correlVar_;

@@ -46,7 +46,10 @@ void frmMain::RunImport(bool reference, std::optional<std::string> given) {
   };
   const bool ran = boundary_.Run(
       [&] {
-        std::optional<std::string> path = given ? given : dialogs_.OpenFileName(kDataFileFilter);
+        std::optional<std::string> path =
+            given ? given
+                  : dialogs_.OpenFileName(kDataFileFilter,
+                                          reference ? "Open reference table" : "Open fossil table");
         BusyPointer::Set();
         result = reference ? varnoth::ImportReference(s_, path, dialogs_, progress_)
                            : varnoth::ImportFossil(s_, path, dialogs_, progress_);
@@ -164,7 +167,10 @@ void frmMain::ProjectionEnded() {
 
 void frmMain::SaveWith(void (*writer)(const Session&, const std::string&, const FileStamp&,
                                       Progress&)) {
-  std::optional<std::string> path = dialogs_.SaveFileName(kDataFileFilter);
+  const char* title = writer == &SaveLoading  ? "Save the loadings of the taxa"
+                      : writer == &sSaveScore ? "Save the scores of the reference sites"
+                                              : "Save the scores of the fossil samples";
+  std::optional<std::string> path = dialogs_.SaveFileName(kDataFileFilter, title);
   if (!path) return;
   // A failure while writing ends the save as a cancel would, with no message.
   try {

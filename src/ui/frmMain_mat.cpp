@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QPushButton>
 
+#include "ui/WindowPlacement.h"
 #include "ui/frmColor.h"
 #include "ui/frmControl.h"
 #include "ui/frmDiagram.h"
@@ -62,7 +63,12 @@ void frmMain::LinkDiagramAndMAT() {
 }
 
 void frmMain::ConnectMATEvents() {
-  connect(Command8, &QPushButton::clicked, this, [this] { MATWindow()->Open(); });
+  connect(Command8, &QPushButton::clicked, this, [this] {
+    frmMAT* mat = MATWindow();
+    // The same place every session: cascaded from the main window, on screen.
+    if (NeverPlaced(mat)) PlaceOver(mat, this, mat->size());
+    mat->Open();
+  });
 }
 
 }  // namespace varnoth

@@ -16,6 +16,7 @@
 #include "state/Format.h"
 #include "ui/ListName.h"
 #include "ui/PictureBox.h"
+#include "ui/WindowPlacement.h"
 #include "ui/frmControl.h"
 #include "ui/frmMain.h"
 
@@ -130,15 +131,22 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 
 void frmMain::SetStereo(bool on) {
   const bool was = picture1_[1]->isVisible();
-  // Shrinking gives back what growing took, whatever the layout did between.
-  if (on && !was) stereoGrow_ = picture1_[0]->width();
-  const int target = width() + (on ? stereoGrow_ : -stereoGrow_);
+  const int before = width();
+  if (on && !was) widthBeforeStereo_ = before;
   picture1_[1]->setVisible(on);
   picture2_[1]->setVisible(on);
   if (!isVisible() || was == on) return;
-  // The window grows or shrinks by one picture's width.
+  // The window grows by one picture's width, as far as the screen allows:
+  // past that the pictures shrink instead. Shrinking gives back the width
+  // the window had before.
   centralWidget()->layout()->activate();
-  resize(std::max(target, minimumSizeHint().width()), height());
+  layout()->activate();  // the window's smallest size follows its pictures
+  const int frame = frameGeometry().width() - width();
+  const int room = AvailableArea(this).width() - frame;
+  int wanted = on ? before + picture1_[0]->width() : widthBeforeStereo_;
+  if (room > 0) wanted = std::min(wanted, room);
+  resize(std::max(wanted, minimumSizeHint().width()), height());
+  KeepOnScreen(this);
 }
 
 void frmMain::ChooseDimension(bool threeD) {

@@ -134,7 +134,11 @@ void frmMain::ShowTitle() {
 void frmMain::ShowAnalysisState() {
   QString text;
   if (!s_.ReferenceIsBase && !s_.FossilIsBase) {
-    text = "Import the reference data or the fossil data to begin.";
+    // The order of the imports decides what can follow: say so before the
+    // user chooses.
+    text =
+        "Import the reference data first for the whole analysis; the fossil data first gives "
+        "the EOFs of the core alone. Or: File > Open Example Data.";
   } else if (!s_.EofDone) {
     text = "Choose the pre-treatment to compute the EOFs.";
   } else {
@@ -143,9 +147,12 @@ void frmMain::ShowAnalysisState() {
     if (s_.ProjectionDone)
       text +=
           "; " + QString(s_.ReferenceIsBase ? "fossil samples" : "reference sites") + " projected";
+    else if (s_.ReferenceIsBase)
+      text += "; import the fossil data to project it";
     else
-      text += "; import the " + QString(s_.ReferenceIsBase ? "fossil" : "reference") +
-              " data to project it";
+      text +=
+          " of the fossil data; no reference table can follow in this order: for a "
+          "reconstruction, start anew with the reference data";
     if (s_.ProjectionDone && s_.EnvelopeDone && EnvelopeStands())
       text += "; Out: " + QString::number(OutCount(s_)) + " of " +
               Counted(s_.FossilSampleCount, "sample", "samples");

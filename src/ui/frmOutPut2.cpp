@@ -34,7 +34,10 @@ constexpr int kMain = 401, kSection = 120, kLegend = 24;
 }  // namespace
 
 frmOutPut2::frmOutPut2(frmCalib& calib)
-    : QMainWindow(&calib, Qt::Window), calib_(calib), boundary_(calib.DialogsUsed(), progress_) {
+    : QMainWindow(&calib, Qt::Window),
+      calib_(calib),
+      dialogs_(calib.DialogsUsed(), this),
+      boundary_(dialogs_, progress_) {
   setObjectName("frmOutPut2");
   setWindowTitle("Calibration chart");
   setAttribute(Qt::WA_QuitOnClose, false);
@@ -122,10 +125,10 @@ frmOutPut2::frmOutPut2(frmCalib& calib)
   connect(Picture1, &PictureBox::RightPressed, this, [this](const QPoint& at) { Fig1->popup(at); });
   connect(Picture2, &PictureBox::RightPressed, this, [this](const QPoint& at) { Fig2->popup(at); });
   AddSavePictureEntry(
-      Fig1, "mnuSavePicture1", calib_.DialogsUsed(), boundary_,
+      Fig1, "mnuSavePicture1", dialogs_, boundary_,
       [this]() -> const Surface& { return Picture1->surface(); }, Copy1);
   AddSavePictureEntry(
-      Fig2, "mnuSavePicture2", calib_.DialogsUsed(), boundary_,
+      Fig2, "mnuSavePicture2", dialogs_, boundary_,
       [this]() -> const Surface& { return Picture2->surface(); }, Copy2);
   // The chart drawn again for a paper, at the section chosen here.
   const DrawPublication chart = [this](const PublicationChoice& c) {
@@ -207,7 +210,9 @@ void frmOutPut2::Open(const FineGrid& fine, int index) {
   DrawLegend();
   if (Check2->isChecked()) DrawIntervals();
   Overlays();
-  if (NeverPlaced(this)) PlaceBeside(this, &calib_);
+  // Beside the tool, or else over its figures: its settings and the
+  // Start and Return buttons stay in view.
+  if (NeverPlaced(this)) PlaceBesideKeeping(this, &calib_, calib_.SettingsArea());
   show();
   raise();
 }
@@ -324,13 +329,13 @@ void frmOutPut2::SectionReleased() {
     DrawLegend();
   } catch (const std::exception&) {
     progress_.Finish();
-    calib_.DialogsUsed().Message("Interpolation failed", "Error");
+    dialogs_.Message("Interpolation failed", "Error");
     const QSignalBlocker quiet(Slider1);
     Slider1->setValue(0);
   }
 }
 
-void frmOutPut2::SaveMatrix() { calib_.SaveConfidence(); }
+void frmOutPut2::SaveMatrix() { calib_.SaveConfidenceOver(dialogs_); }
 
 void frmOutPut2::PrintChart() {
   boundary_.Run([this] {

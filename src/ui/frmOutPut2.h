@@ -61,6 +61,7 @@ class frmOutPut2 : public QMainWindow {
  private:
   void SectionLabels();
   frmCalib &calib_;
+  OwnedDialogs dialogs_;  // dialogs stand over the chart
   BarProgress progress_{nullptr};
   ErrorBoundary boundary_;
   FineGrid fine_;

@@ -55,7 +55,8 @@ void frmTest::WriteWorkingValues() {
   main_.boundary().Run([this] {
     // The file dialog stands over this form, which asked for it.
     OwnedDialogs owned(main_.dialogs(), this);
-    std::optional<std::string> path = owned.SaveFileName(kDataFileFilter);
+    std::optional<std::string> path =
+        owned.SaveFileName(kDataFileFilter, "Save the table of working values");
     if (!path) return;
     WorkingValues(main_.session()).Save(*path);
   });

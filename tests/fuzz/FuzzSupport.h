@@ -29,8 +29,12 @@ inline std::string WriteInput(std::string_view tag, std::string_view text) {
 class FuzzDialogs final : public Dialogs {
  public:
   explicit FuzzDialogs(bool yes) : yes_(yes) {}
-  std::optional<std::string> OpenFileName(const std::string&) override { return std::nullopt; }
-  std::optional<std::string> SaveFileName(const std::string&) override { return std::nullopt; }
+  std::optional<std::string> OpenFileName(const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
+  std::optional<std::string> SaveFileName(const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
   void Message(const std::string&, const std::string&) override { ++messages; }
   bool Question(const std::string&, const std::string&) override {
     ++questions;

@@ -13,6 +13,7 @@ dpkg-deb -c "$deb" > "$work/contents"
 cat "$work/contents"
 for f in ./usr/bin/varnoth-batch ./usr/share/varnoth/examples/reference.csv \
          ./usr/share/varnoth/examples/fossil.csv ./usr/share/varnoth/examples/climate.csv \
+         ./usr/share/varnoth/examples/stations.csv ./usr/share/varnoth/examples/targets.csv \
          ./usr/share/applications/varnoth.desktop ./usr/share/icons/hicolor/scalable/apps/varnoth.svg; do
   grep -q " $f\$" "$work/contents" || { echo "missing in the package: $f"; exit 1; }
 done

@@ -19,13 +19,13 @@ class FakeDialogs : public Dialogs {
   std::vector<std::string> Messages, Questions;
   std::vector<std::string> Titles;
 
-  std::optional<std::string> OpenFileName(const std::string&) override {
+  std::optional<std::string> OpenFileName(const std::string&, const std::string&) override {
     if (OpenAnswers.empty()) return std::nullopt;
     auto a = OpenAnswers.front();
     OpenAnswers.pop_front();
     return a;
   }
-  std::optional<std::string> SaveFileName(const std::string&) override {
+  std::optional<std::string> SaveFileName(const std::string&, const std::string&) override {
     if (SaveAnswers.empty()) return std::nullopt;
     auto a = SaveAnswers.front();
     SaveAnswers.pop_front();

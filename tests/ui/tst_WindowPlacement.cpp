@@ -71,6 +71,19 @@ class tst_WindowPlacement : public QObject {
     QVERIFY(BelongsTo(r, owner));
   }
 
+  void withoutRoomTheOwnersControlsStayInView() {
+    // The calibration tool fills the screen's width; its settings are on
+    // its left: the chart covers its figures, not its buttons.
+    const QRect owner(40, 40, 1200, 620), keep(40, 70, 280, 560);
+    const QRect r = BesideKeeping(owner, keep, QSize(840, 560), kScreen);
+    QVERIFY(Within(r, kScreen));
+    QVERIFY(!r.intersects(keep));
+    // With room beside, beside it is.
+    const QRect small(0, 0, 300, 400);
+    QCOMPARE(BesideKeeping(small, QRect(0, 0, 100, 400), QSize(300, 300), kScreen),
+             Beside(small, QSize(300, 300), kScreen));
+  }
+
   void tooLargeIsShrunkToTheScreen() {
     const QRect r = OntoScreen(QRect(900, 900, 2000, 1500), kScreen);
     QCOMPARE(r, kScreen);

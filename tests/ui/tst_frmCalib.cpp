@@ -149,6 +149,9 @@ class TestFrmCalib : public QObject {
   void coefficientAbove100FailsAtTheSlider();
   void coefficientTypedMovesSlider();
   void chartOpensFromFig7AndFig8();
+  void chartStaysWhenTheToolIsActivatedFromIt();
+  void everyControlSaysWhatItDoesAndTheStatusLineTheNextStep();
+  void dialogsStandOverTheToolAndTheChart();
   void chartSectionInEmptyColumnReadsOutOfRange();
   void chartIntervalOpenAtTopReadsQuestionMark();
   void chartStopsAtElevenIntervals();
@@ -412,6 +415,108 @@ void TestFrmCalib::coefficientTypedMovesSlider() {
   QCOMPARE(c->Slider2->value(), 900);
   QCOMPARE(c->Label4[1]->text(), QString("90"));
   QCOMPARE(c->FigureShows(8), shows8 + 1);
+}
+
+// Activates a window as a click on it would, and lets the activation arrive.
+void ActivateWindow(QWidget* w) {
+  w->activateWindow();
+  QApplication::setActiveWindow(w);
+  for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+}
+
+void TestFrmCalib::chartStaysWhenTheToolIsActivatedFromIt() {
+  Road r;
+  r.Open();
+  r.Generated();
+  frmCalib* c = r.cal;
+  QTest::mouseClick(c->Picture2[4], Qt::LeftButton, {}, QPoint(50, 50));
+  frmOutPut2* ch = c->Chart();
+  QVERIFY(ch && ch->isVisible());
+  ActivateWindow(ch);
+  QVERIFY(ch->isActiveWindow());
+  // Back into the tool from its chart: the chart stays in view.
+  ActivateWindow(c);
+  QVERIFY(c->isActiveWindow());
+  QVERIFY(ch->isVisible());
+  // Back into the tool from another window of the program: it closes.
+  ActivateWindow(r.mat);
+  ActivateWindow(c);
+  QVERIFY(!ch->isVisible());
+}
+
+// Every control a user can point at has a tool tip.
+void CheckToolTips(QWidget* window) {
+  for (QWidget* w : window->findChildren<QWidget*>()) {
+    if (w->objectName().isEmpty() || w->objectName().startsWith("qt_") || !w->isVisibleTo(window))
+      continue;
+    const bool control = qobject_cast<QAbstractButton*>(w) || qobject_cast<QAbstractSlider*>(w) ||
+                         qobject_cast<QComboBox*>(w) || qobject_cast<QAbstractSpinBox*>(w) ||
+                         qobject_cast<QLineEdit*>(w) || qobject_cast<PictureBox*>(w);
+    if (!control) continue;
+    QVERIFY2(!w->toolTip().isEmpty(),
+             qPrintable(window->objectName() + ": " + w->objectName() + " has no tool tip"));
+  }
+}
+
+void TestFrmCalib::everyControlSaysWhatItDoesAndTheStatusLineTheNextStep() {
+  uitest::MainFixture f;
+  f.Road();
+  f.window->Command8->click();
+  frmMAT* mat = f.window->MATWindow();
+  auto next = [&](QLabel* l) {
+    QTest::qWait(300);
+    return l->text();
+  };
+  QVERIFY(next(mat->StatusNext).startsWith("Load climate at the reference sites"));
+  f.dialogs.OpenNames.push_back(Example("climate.csv"));
+  mat->Command1->click();
+  QVERIFY(next(mat->StatusNext).contains("Generate error model"));
+  mat->Command3->click();
+  QVERIFY(next(mat->StatusNext).contains("Ostrel 3.0"));
+  CheckToolTips(mat);
+  QVERIFY(mat->Command6->toolTip().contains("needs the error model"));
+  // The climate import's own tip stays.
+  QCOMPARE(mat->Command1->toolTip(), QString("Use pre-interpolated climate file (Varnoth 1.5)"));
+  mat->Command6->click();
+  frmCalib* c = mat->CalibWindow();
+  CheckToolTips(c);
+  QVERIFY(next(c->StatusNext).contains("Generate model"));
+  c->Check4->click();
+  QVERIFY2(next(c->StatusNext).contains("Start"), qPrintable(c->StatusNext->text()));
+  c->Command3->click();
+  QVERIFY(next(c->StatusNext).contains("Return"));
+  c->Command10->click();
+  QVERIFY(next(mat->StatusNext).contains("Tamsek 2.5"));
+  // The next step is in the reconstruction window: it comes to the front.
+  QTRY_VERIFY(mat->isActiveWindow());
+}
+
+void TestFrmCalib::dialogsStandOverTheToolAndTheChart() {
+  Road r;
+  r.Open();
+  frmCalib* c = r.cal;
+  // A cancelled pair import: the dialog belongs to the tool and says what it asks for.
+  c->Command1[1]->click();
+  QVERIFY(!r.dialogs.FileDialogs.empty());
+  QCOMPARE(r.dialogs.FileDialogs.back().Owner, static_cast<void*>(c));
+  QVERIFY(r.dialogs.FileDialogs.back().Title.find("Vest-Vobs") != std::string::npos);
+  r.Generated();
+  c->ProbabilityDistribution->trigger();
+  QCOMPARE(r.dialogs.FileDialogs.back().Owner, static_cast<void*>(c));
+  QCOMPARE(r.dialogs.FileDialogs.back().Title, std::string("Save the probability matrix"));
+  QTest::mouseClick(c->Picture2[5], Qt::LeftButton, {}, QPoint(50, 50));
+  frmOutPut2* ch = c->Chart();
+  QVERIFY(ch && ch->isVisible());
+  ch->SaveMatrixEntry->trigger();
+  QCOMPARE(r.dialogs.FileDialogs.back().Owner, static_cast<void*>(ch));
+  // The reconstruction window's own saves stand over it.
+  r.mat->mnuSaveCurveVOnly->trigger();
+  QCOMPARE(r.dialogs.FileDialogs.back().Owner, static_cast<void*>(r.mat));
+  QCOMPARE(r.dialogs.FileDialogs.back().Title,
+           "Save the curve of " + r.mat->Combo1->currentText().toStdString());
+  // The main window's stand over the main window.
+  r.window->mnuSaveL->trigger();
+  QCOMPARE(r.dialogs.FileDialogs.back().Owner, static_cast<void*>(r.window.get()));
 }
 
 void TestFrmCalib::chartOpensFromFig7AndFig8() {

@@ -174,15 +174,38 @@ class tst_frmCorrelVar : public QObject {
     QCOMPARE(f.ended, 0);
   }
 
-  void escapeDoesWhatClosingDoes() {
+  void escapeKeepsTheDialog() {
     MainFixture f;
     f.ImportReference(f.Write("reference.csv", kReference));
     frmCorrelVar* d = f.window->CorrelVar();
     QVERIFY(d->isVisible());
     QTest::keyClick(d, Qt::Key_Escape);
+    QVERIFY(d->isVisible());
+    QVERIFY(f.dialogs.Questions.empty());
+    QCOMPARE(f.ended, 0);
+    // The way on is still open.
+    d->Command1->click();
+    QVERIFY(f.session.EofDone);
+  }
+
+  void closingAsksBeforeTheProgramEnds() {
+    MainFixture f;
+    f.ImportReference(f.Write("reference.csv", kReference));
+    frmCorrelVar* d = f.window->CorrelVar();
+    // No: the dialog stays and the session goes on.
+    d->close();
+    QCOMPARE(f.dialogs.Questions.size(), std::size_t{1});
+    QVERIFY(f.dialogs.Questions[0].Text.find("Quit Varnoth") != std::string::npos);
+    QCOMPARE(f.dialogs.Questions[0].Owner, static_cast<void*>(d));
+    QVERIFY(d->isVisible());
+    QCOMPARE(f.ended, 0);
+    // Yes: everything closes.
+    f.dialogs.Answers.push_back(true);
+    d->close();
     QVERIFY(!d->isVisible());
-    QVERIFY(!f.session.EofDone);
+    QVERIFY(!f.window->isVisible());
     QCOMPARE(f.ended, 1);
+    QCOMPARE(f.dialogs.Questions.size(), std::size_t{2});
   }
 };
 

@@ -567,7 +567,7 @@ class tst_frmDiagram : public QObject {
     ColourSettings colours;
     QtDialogs dialogs;
     QWidget main;
-    dialogs.SetParent(&main);
+    dialogs.SetOwner(&main);
     NoProgress progress;
     frmDiagram d(s, colours, dialogs, progress);
     d.show();
@@ -584,7 +584,7 @@ class tst_frmDiagram : public QObject {
     QVERIFY(seen);
     QCOMPARE(parentSeen, static_cast<QWidget*>(&d));
     // The main window's own dialogs stand over it again.
-    QCOMPARE(dialogs.Parent(), &main);
+    QCOMPARE(dialogs.Owner(), static_cast<void*>(&main));
   }
 
   void statusBarTellsTaxonSampleAndValue() {

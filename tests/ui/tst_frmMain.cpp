@@ -20,15 +20,16 @@
 #include "UiSupport.h"
 #include "state/Import.h"
 #include "ui/PictureBox.h"
+#include "ui/WindowPlacement.h"
 #include "ui/frmAbout1.h"
 #include "ui/frmColor.h"
 #include "ui/frmTest.h"
 
 using namespace varnoth;
 using varnoth::uitest::Example;
-using varnoth::uitest::MainFixture;
 using varnoth::uitest::Inked;
 using varnoth::uitest::LoneSite;
+using varnoth::uitest::MainFixture;
 using varnoth::uitest::Near;
 
 namespace {
@@ -440,7 +441,8 @@ class tst_frmMain : public QObject {
     f.ImportReference(Example("reference.csv"));
     QVERIFY(f.window->CorrelVar()->isVisible());
     QVERIFY(!f.window->isEnabled());
-    // Only the dialog's own frame can be used.
+    // Only the dialog's own frame can be used; the user confirms the quit.
+    f.dialogs.Answers.push_back(true);
     f.window->CorrelVar()->close();
     QVERIFY(!f.window->CorrelVar()->isVisible());
     QVERIFY(!f.window->AboutWindow()->isVisible());
@@ -559,14 +561,17 @@ class tst_frmMain : public QObject {
     MainFixture f;
     f.Road();
     frmMain& w = *f.window;
-    w.resize(900, 650);
+    // By one picture, as far as the screen allows.
+    const int room = AvailableArea(&w).width() - (w.frameGeometry().width() - w.width());
+    w.resize(std::max(w.minimumSizeHint().width(), std::min(900, room - 200)), 650);
     QApplication::processEvents();
     const int before = w.width();
     const int pictureWidth = w.Picture1(0)->width();
     w.Check1->click();
     QVERIFY(w.Picture1(1)->isVisible());
     QVERIFY(w.Picture2(1)->isVisible());
-    QCOMPARE(w.width(), before + pictureWidth);
+    QCOMPARE(w.width(), std::max({before, w.minimumSizeHint().width(),
+                                  std::min(before + pictureWidth, room)}));
     QApplication::processEvents();
     const Surface& partner = w.Picture2(1)->surface();
     QVERIFY(Inked(partner, partner.ScaleLeft(), partner.ScaleTop(),

@@ -42,8 +42,12 @@ class Options {
 class BatchDialogs final : public Dialogs {
  public:
   explicit BatchDialogs(bool acceptNames) : acceptNames_(acceptNames) {}
-  std::optional<std::string> OpenFileName(const std::string&) override { return std::nullopt; }
-  std::optional<std::string> SaveFileName(const std::string&) override { return std::nullopt; }
+  std::optional<std::string> OpenFileName(const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
+  std::optional<std::string> SaveFileName(const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
   void Message(const std::string& text, const std::string& title) override;
   bool Question(const std::string& text, const std::string& title) override;
   int MessageCount() const { return messages_; }
