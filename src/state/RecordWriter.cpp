@@ -4,8 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 
 #include "state/Failure.h"
@@ -13,52 +15,51 @@
 
 namespace varnoth {
 
-void RecordWriter::Separate() {
-  if (fieldOpen_) out_ += ',';
-  fieldOpen_ = true;
+void RecordWriter::Grow(std::size_t bytes) {
+  buf_.resize(std::max({std::size_t{4096}, 2 * buf_.size(), size_ + bytes}));
 }
 
 RecordWriter& RecordWriter::Text(std::string_view s) {
-  Separate();
-  out_ += '"';
   // A quote inside a name is doubled so that spreadsheets keep the field.
+  char* p = Field(2 * s.size() + 2);
+  *p++ = '"';
   for (char c : s) {
-    if (c == '"') out_ += '"';
-    out_ += c;
+    if (c == '"') *p++ = '"';
+    *p++ = c;
   }
-  out_ += '"';
+  *p++ = '"';
+  size_ = static_cast<std::size_t>(p - buf_.data());
   return *this;
 }
 
 RecordWriter& RecordWriter::Number(double v) {
-  Separate();
-  char text[kNumberTextMax];
-  out_.append(text, WriteGeneral(text, v));
+  size_ = static_cast<std::size_t>(WriteGeneral(Field(kNumberTextMax), v) - buf_.data());
   return *this;
 }
 
 RecordWriter& RecordWriter::Single(float v) {
-  Separate();
-  char text[kNumberTextMax];
-  out_.append(text, WriteSingle(text, v));
+  size_ = static_cast<std::size_t>(WriteSingle(Field(kNumberTextMax), v) - buf_.data());
   return *this;
 }
 
 RecordWriter& RecordWriter::Integer(long long v) {
-  Separate();
-  out_ += std::to_string(v);
+  char* p = Field(24);
+  size_ = static_cast<std::size_t>(std::to_chars(p, p + 24, v).ptr - buf_.data());
   return *this;
 }
 
 RecordWriter& RecordWriter::End() {
-  out_ += "\r\n";
+  if (buf_.size() - size_ < 2) Grow(2);
+  buf_[size_] = '\r';
+  buf_[size_ + 1] = '\n';
+  size_ += 2;
   fieldOpen_ = false;
   return *this;
 }
 
 namespace {
 
-bool WriteAll(int fd, const std::string& text) {
+bool WriteAll(int fd, std::string_view text) {
   const char* p = text.data();
   std::size_t left = text.size();
   while (left > 0) {
@@ -87,9 +88,9 @@ void RecordWriter::Save(const std::string& path) const { Save(path, {}); }
 
 void RecordWriter::Save(const std::string& path, const std::vector<RecordWriter>& more) const {
   auto write = [&](int fd) {
-    if (!WriteAll(fd, out_)) return false;
+    if (!WriteAll(fd, Content())) return false;
     for (const RecordWriter& w : more)
-      if (!WriteAll(fd, w.out_)) return false;
+      if (!WriteAll(fd, w.Content())) return false;
     return true;
   };
   // The new content goes into a file beside the old one and is renamed over

@@ -15,12 +15,14 @@ class RecordWriter {
   RecordWriter& Single(float v);   // single precision general form
   RecordWriter& Integer(long long v);
   // Room for `bytes` of records, so that a long file is not moved as it grows.
-  void Reserve(std::size_t bytes) { out_.reserve(bytes); }
+  void Reserve(std::size_t bytes) {
+    if (bytes > buf_.size()) buf_.resize(bytes);
+  }
   // Ends the record with CR LF.
   RecordWriter& End();
   // Writes the fields so far with no line end (the next record then
   // continues on the same line, after a comma).
-  const std::string& Content() const { return out_; }
+  std::string_view Content() const { return {buf_.data(), size_}; }
   // Creates (or replaces) the file; a file that cannot be written is the
   // file failure.
   void Save(const std::string& path) const;
@@ -28,8 +30,20 @@ class RecordWriter {
   void Save(const std::string& path, const std::vector<RecordWriter>& more) const;
 
  private:
-  void Separate();
-  std::string out_;
+  // The place to write the next field with its comma, with room for
+  // `bytes` more; numbers are written there directly.
+  char* Field(std::size_t bytes) {
+    if (buf_.size() - size_ < bytes + 1) Grow(bytes + 1);
+    char* p = buf_.data() + size_;
+    *p = ',';
+    p += fieldOpen_ ? 1 : 0;
+    fieldOpen_ = true;
+    return p;
+  }
+  void Grow(std::size_t bytes);
+  // The records are the first size_ bytes; the rest is room to write in.
+  std::vector<char> buf_;
+  std::size_t size_ = 0;
   bool fieldOpen_ = false;  // a field stands on the current record
 };
 
