@@ -2,6 +2,7 @@
 // Quoted records: text fields in double quotes, numbers bare in their shortest
 // general form, commas between fields, CR LF at the end of a record.
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,19 +11,25 @@ namespace varnoth {
 
 class RecordWriter {
  public:
+  RecordWriter() = default;
+  RecordWriter(const RecordWriter& other) { *this = other; }
+  RecordWriter(RecordWriter&& other) noexcept = default;
+  RecordWriter& operator=(const RecordWriter& other);
+  RecordWriter& operator=(RecordWriter&& other) noexcept = default;
+
   RecordWriter& Text(std::string_view s);
   RecordWriter& Number(double v);  // double precision general form
   RecordWriter& Single(float v);   // single precision general form
   RecordWriter& Integer(long long v);
   // Room for `bytes` of records, so that a long file is not moved as it grows.
   void Reserve(std::size_t bytes) {
-    if (bytes > buf_.size()) buf_.resize(bytes);
+    if (bytes > capacity_) Grow(bytes - size_);
   }
   // Ends the record with CR LF.
   RecordWriter& End();
   // Writes the fields so far with no line end (the next record then
   // continues on the same line, after a comma).
-  std::string_view Content() const { return {buf_.data(), size_}; }
+  std::string_view Content() const { return {data_.get(), size_}; }
   // Creates (or replaces) the file; a file that cannot be written is the
   // file failure.
   void Save(const std::string& path) const;
@@ -33,17 +40,21 @@ class RecordWriter {
   // The place to write the next field with its comma, with room for
   // `bytes` more; numbers are written there directly.
   char* Field(std::size_t bytes) {
-    if (buf_.size() - size_ < bytes + 1) Grow(bytes + 1);
-    char* p = buf_.data() + size_;
+    if (capacity_ - size_ < bytes + 1) Grow(bytes + 1);
+    char* p = data_.get() + size_;
     *p = ',';
     p += fieldOpen_ ? 1 : 0;
     fieldOpen_ = true;
     return p;
   }
   void Grow(std::size_t bytes);
-  // The records are the first size_ bytes; the rest is room to write in.
-  std::vector<char> buf_;
-  std::size_t size_ = 0;
+  // The records are the first size_ bytes; the rest, up to capacity_, is
+  // room to write in, left untouched until it is written.
+  struct Free {
+    void operator()(char* p) const noexcept;
+  };
+  std::unique_ptr<char[], Free> data_;
+  std::size_t size_ = 0, capacity_ = 0;
   bool fieldOpen_ = false;  // a field stands on the current record
 };
 
