@@ -2,16 +2,22 @@
 // timed alternately in the same run so that both meet the same load.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <ctime>
+#include <filesystem>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "state/Format.h"
+#include "state/Parallel.h"
 #include "state/RecordWriter.h"
+#include "state/ScoreFiles.h"
+#include "state/Session.h"
 #include "support/ReferenceNumberText.h"
 
 using namespace varnoth;
@@ -182,8 +188,77 @@ void BM_SingleTextAgainstOld(benchmark::State& state) {
   state.counters["cpu_ratio"] = theirsCpu / mineCpu;
 }
 
+// The reference score file of 8000 sites x 300 EOFs as sSaveScore writes it,
+// against the same records through the old writer and the old number text,
+// also put into text on all cores in slices of 256 rows and then written.
+const Session& ScoredSession() {
+  static const std::unique_ptr<Session> s = [] {
+    auto t = std::make_unique<Session>();
+    t->RefSiteCount = static_cast<Count>(kRows);
+    t->RefTaxaCount = static_cast<Count>(kColumns);
+    t->TaxaCount = t->RefTaxaCount;
+    t->RefFileName = "reference.csv";
+    t->RefSiteNames.ReDim(kRows);
+    for (long i = 1; i <= kRows; ++i) t->RefSiteNames(i) = "Site " + std::to_string(i);
+    t->Contribution.ReDim(kColumns);
+    for (long c = 1; c <= kColumns; ++c) t->Contribution(c) = 100.0f / static_cast<float>(c + 1);
+    t->RefScores.ReDim(kRows, kColumns);
+    const std::vector<double>& v = Scores();
+    for (long i = 1; i <= kRows; ++i)
+      for (long c = 1; c <= kColumns; ++c)
+        t->RefScores(i, c) = v[static_cast<std::size_t>((i - 1) * kColumns + c - 1)];
+    return t;
+  }();
+  return *s;
+}
+
+void OldScoreFile(const Session& s, const std::string& path) {
+  constexpr long kSlice = 256;
+  const long rows = s.RefSiteCount, n = s.RefTaxaCount;
+  std::vector<OldRecordWriter> parts(static_cast<std::size_t>((rows + kSlice - 1) / kSlice));
+  ParallelTasks(static_cast<long>(parts.size()), [&](long t) {
+    OldRecordWriter& w = parts[static_cast<std::size_t>(t)];
+    w.out.reserve(static_cast<std::size_t>(kSlice * (23 * n + 64)));
+    for (long i = t * kSlice + 1; i <= std::min(rows, (t + 1) * kSlice); ++i) {
+      w.Text(s.RefSiteNames(i));
+      for (long c = 1; c <= n; ++c) w.Number(s.RefScores(i, c));
+      w.End();
+    }
+  });
+  std::FILE* f = std::fopen(path.c_str(), "wb");
+  if (!f) std::abort();
+  for (const OldRecordWriter& w : parts) std::fwrite(w.out.data(), 1, w.out.size(), f);
+  std::fclose(f);
+}
+
+void BM_ScoreFileAgainstOld(benchmark::State& state) {
+  const Session& s = ScoredSession();
+  const std::string dir = std::filesystem::temp_directory_path().string();
+  const std::string mine = dir + "/varnoth-score-new.csv", theirs = dir + "/varnoth-score-old.csv";
+  NoProgress progress;
+  double tMine = 0, tTheirs = 0;
+  for (auto _ : state) {
+    auto t0 = std::chrono::steady_clock::now();
+    sSaveScore(s, mine, FileStamp{"2026-11-24", "12:00:00"}, progress);
+    const double t = Seconds(t0);
+    tMine += t;
+    state.SetIterationTime(t);
+    t0 = std::chrono::steady_clock::now();
+    OldScoreFile(s, theirs);
+    tTheirs += Seconds(t0);
+  }
+  const double bytes = static_cast<double>(std::filesystem::file_size(mine));
+  const double n = static_cast<double>(state.iterations());
+  state.counters["MB/s"] = bytes / 1e6 / (tMine / n);
+  state.counters["old_MB/s"] = bytes / 1e6 / (tTheirs / n);
+  state.counters["ratio"] = tTheirs / tMine;
+  std::filesystem::remove(mine);
+  std::filesystem::remove(theirs);
+}
+
 }  // namespace
 
+BENCHMARK(BM_ScoreFileAgainstOld)->Unit(benchmark::kMillisecond)->Iterations(10)->UseManualTime();
 BENCHMARK(BM_NumberTextAgainstOld)->Unit(benchmark::kMillisecond)->Iterations(10)->UseManualTime();
 BENCHMARK(BM_RecordsAgainstOld)->Unit(benchmark::kMillisecond)->Iterations(10)->UseManualTime();
 BENCHMARK(BM_SingleTextAgainstOld)->Unit(benchmark::kMillisecond)->Iterations(10)->UseManualTime();

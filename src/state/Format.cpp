@@ -43,7 +43,8 @@ inline void Store16(char* to, unsigned __int128 text) { std::memcpy(to, &text, 1
 // (value = d.ddd x 10^x) at precision `precision`, trailing zeros removed.
 // `text` holds all `precision` digits as characters, the first in the lowest
 // byte; `out` has room for kNumberTextMax.
-char* LayOut(char* out, bool negative, unsigned __int128 text, int count, int x, int precision) {
+inline char* LayOut(char* out, bool negative, unsigned __int128 text, int count, int x,
+                    int precision) {
   *out = '-';
   out += negative ? 1 : 0;
   if (x < -4 || x >= precision) {
@@ -190,15 +191,16 @@ std::uint64_t EightDigits(std::uint32_t n) {
 // power the product is known to within m, under 2^-13 of a unit of the last
 // digit, so the nearest integer is certain unless the fraction lies that
 // close to one half; then, and for the rare subnormal, the C library decides.
-char* WriteDigits(char* out, double v, int precision) {
+template <int precision>
+char* WriteDigits(char* out, double v) {
   const std::uint64_t bits = std::bit_cast<std::uint64_t>(v);
   const int biased = static_cast<int>((bits >> 52) & 0x7FF);
   if (biased == 0x7FF || (bits << 1) == 0) return WriteSpecial(out, v);
   if (biased == 0) return PrintDigits(out, v, precision);
   const bool negative = (bits >> 63) != 0;
   const std::uint64_t m = (bits & 0x000FFFFFFFFFFFFFULL) | 0x0010000000000000ULL;
-  const int e = biased - 1075;                                                // v = m 2^e
-  const std::uint64_t top = precision == 15 ? 1000000000000000u : 10000000u;  // 10^precision
+  const int e = biased - 1075;                                                    // v = m 2^e
+  constexpr std::uint64_t top = precision == 15 ? 1000000000000000u : 10000000u;  // 10^precision
   const PowerTable& powers = Powers();
   int x = powers.Decade(biased, m);
   const PowerOfTen& p = powers[precision - 1 - x];
@@ -227,7 +229,7 @@ char* WriteDigits(char* out, double v, int precision) {
   const std::uint64_t zeros = 0x3030303030303030ULL;
   unsigned __int128 text;
   int count;
-  if (precision == 15) {
+  if constexpr (precision == 15) {
     // Sixteen digits, the first a zero, dropped by the shift.
     const std::uint64_t low = EightDigits(static_cast<std::uint32_t>(d % 100000000u));
     const std::uint64_t high = EightDigits(static_cast<std::uint32_t>(d / 100000000u));
@@ -241,18 +243,19 @@ char* WriteDigits(char* out, double v, int precision) {
   return LayOut(out, negative, text, count, x, precision);
 }
 
-std::string ToString(char* (*write)(char*, double, int), double v, int precision) {
+template <int precision>
+std::string ToString(double v) {
   char buf[kNumberTextMax];
-  return std::string(buf, write(buf, v, precision));
+  return std::string(buf, WriteDigits<precision>(buf, v));
 }
 
 }  // namespace
 
-char* WriteGeneral(char* out, double v) { return WriteDigits(out, v, 15); }
-char* WriteSingle(char* out, float v) { return WriteDigits(out, static_cast<double>(v), 7); }
+char* WriteGeneral(char* out, double v) { return WriteDigits<15>(out, v); }
+char* WriteSingle(char* out, float v) { return WriteDigits<7>(out, static_cast<double>(v)); }
 
-std::string FormatGeneral(double v) { return ToString(WriteDigits, v, 15); }
-std::string FormatSingle(float v) { return ToString(WriteDigits, static_cast<double>(v), 7); }
+std::string FormatGeneral(double v) { return ToString<15>(v); }
+std::string FormatSingle(float v) { return ToString<7>(static_cast<double>(v)); }
 
 const double kExactPowersOfTen[16] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                       1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
