@@ -12,10 +12,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <memory>
+#include <mutex>
 #include <new>
 
 #include "state/Failure.h"
 #include "state/Format.h"
+#include "state/Parallel.h"
 
 namespace varnoth {
 
@@ -120,21 +124,23 @@ template <typename Write>
 bool WriteInPlace(const std::string& path, Write&& write) {
   int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
   if (fd < 0) return false;
-  bool ok = write(fd);
+  bool ok = false;
+  try {
+    ok = write(fd);
+  } catch (...) {
+    ::close(fd);
+    throw;
+  }
   return ::close(fd) == 0 && ok;
 }
 
 }  // namespace
 
-void RecordWriter::Save(const std::string& path) const { Save(path, {}); }
+namespace {
 
-void RecordWriter::Save(const std::string& path, const std::vector<RecordWriter>& more) const {
-  auto write = [&](int fd) {
-    if (!WriteAll(fd, Content())) return false;
-    for (const RecordWriter& w : more)
-      if (!WriteAll(fd, w.Content())) return false;
-    return true;
-  };
+// Creates (or replaces) the file at `path` with what write(fd) writes; a
+// file that cannot be written is the file failure.
+void SaveWith(const std::string& path, const std::function<bool(int)>& write) {
   // The new content goes into a file beside the old one and is renamed over
   // it only when every byte is written, so a full disk or a failed write
   // leaves an existing file as it was.
@@ -155,7 +161,14 @@ void RecordWriter::Save(const std::string& path, const std::vector<RecordWriter>
       return;
     throw RuntimeFailure(FailureKind::FileNotFound, path);
   }
-  bool ok = write(fd);
+  bool ok = false;
+  try {
+    ok = write(fd);
+  } catch (...) {
+    ::close(fd);
+    ::unlink(temp.c_str());
+    throw;
+  }
   // A replaced file keeps its permissions.
   if (ok && exists) ok = ::fchmod(fd, info.st_mode & 07777) == 0;
   ok = ::close(fd) == 0 && ok;
@@ -163,6 +176,52 @@ void RecordWriter::Save(const std::string& path, const std::vector<RecordWriter>
     ::unlink(temp.c_str());
     throw RuntimeFailure(FailureKind::FileNotFound, path);
   }
+}
+
+}  // namespace
+
+void RecordWriter::Save(const std::string& path) const { Save(path, {}); }
+
+void RecordWriter::Save(const std::string& path, const std::vector<RecordWriter>& more) const {
+  SaveWith(path, [&](int fd) {
+    if (!WriteAll(fd, Content())) return false;
+    for (const RecordWriter& w : more)
+      if (!WriteAll(fd, w.Content())) return false;
+    return true;
+  });
+}
+
+void RecordWriter::Save(const std::string& path, long parts,
+                        const std::function<void(long, RecordWriter&)>& part) const {
+  SaveWith(path, [&](int fd) {
+    if (!WriteAll(fd, Content())) return false;
+    std::vector<RecordWriter> made(static_cast<std::size_t>(std::max(0L, parts)));
+    std::unique_ptr<std::atomic<bool>[]> done(new std::atomic<bool>[made.size()]);
+    for (std::size_t t = 0; t < made.size(); ++t) done[t] = false;
+    std::mutex writing;
+    std::size_t next = 0;  // the first part not yet written, under `writing`
+    bool ok = true;        // under `writing`
+    // Writes the parts that are done from `next` on, in order; a part is
+    // let go once written.
+    auto writeReady = [&] {
+      while (next < made.size() && done[next].load(std::memory_order_acquire)) {
+        if (ok) ok = WriteAll(fd, made[next].Content());
+        made[next] = RecordWriter();
+        ++next;
+      }
+    };
+    ParallelTasks(parts, [&](long t) {
+      part(t, made[static_cast<std::size_t>(t)]);
+      done[static_cast<std::size_t>(t)].store(true, std::memory_order_release);
+      // Whoever finds the file free writes what is ready; a thread that finds
+      // it busy goes on making text, and what is left is written below.
+      std::unique_lock lock(writing, std::try_to_lock);
+      if (lock.owns_lock()) writeReady();
+    });
+    std::lock_guard lock(writing);
+    writeReady();
+    return ok && next == made.size();
+  });
 }
 
 }  // namespace varnoth

@@ -2,6 +2,7 @@
 // Quoted records: text fields in double quotes, numbers bare in their shortest
 // general form, commas between fields, CR LF at the end of a record.
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -35,6 +36,12 @@ class RecordWriter {
   void Save(const std::string& path) const;
   // The same, with the records of `more` after these, in order.
   void Save(const std::string& path, const std::vector<RecordWriter>& more) const;
+  // The same, with the records that part(t, w) puts into w for t = 0 to
+  // parts - 1 after these, in order. The parts are made on all cores, and
+  // each is written as soon as those before it are, while later ones are
+  // still being made.
+  void Save(const std::string& path, long parts,
+            const std::function<void(long, RecordWriter&)>& part) const;
 
  private:
   // The place to write the next field with its comma, with room for
