@@ -201,17 +201,33 @@ void RecordWriter::Save(const std::string& path, long parts,
     std::mutex writing;
     std::size_t next = 0;  // the first part not yet written, under `writing`
     bool ok = true;        // under `writing`
-    // Writes the parts that are done from `next` on, in order; a part is
-    // let go once written.
+    // Written parts give their buffers, already faulted in, to later ones.
+    std::mutex pooling;
+    std::vector<RecordWriter> pool;
+    // Writes the parts that are done from `next` on, in order.
     auto writeReady = [&] {
       while (next < made.size() && done[next].load(std::memory_order_acquire)) {
-        if (ok) ok = WriteAll(fd, made[next].Content());
-        made[next] = RecordWriter();
+        RecordWriter& w = made[next];
+        if (ok) ok = WriteAll(fd, w.Content());
+        w.size_ = 0;
+        w.fieldOpen_ = false;
+        {
+          std::lock_guard lock(pooling);
+          pool.push_back(std::move(w));
+        }
         ++next;
       }
     };
     ParallelTasks(parts, [&](long t) {
-      part(t, made[static_cast<std::size_t>(t)]);
+      RecordWriter& w = made[static_cast<std::size_t>(t)];
+      {
+        std::lock_guard lock(pooling);
+        if (!pool.empty()) {
+          w = std::move(pool.back());
+          pool.pop_back();
+        }
+      }
+      part(t, w);
       done[static_cast<std::size_t>(t)].store(true, std::memory_order_release);
       // Whoever finds the file free writes what is ready; a thread that finds
       // it busy goes on making text, and what is left is written below.

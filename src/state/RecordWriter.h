@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace varnoth {
@@ -14,9 +15,16 @@ class RecordWriter {
  public:
   RecordWriter() = default;
   RecordWriter(const RecordWriter& other) { *this = other; }
-  RecordWriter(RecordWriter&& other) noexcept = default;
+  RecordWriter(RecordWriter&& other) noexcept { *this = std::move(other); }
   RecordWriter& operator=(const RecordWriter& other);
-  RecordWriter& operator=(RecordWriter&& other) noexcept = default;
+  // The moved-from writer is left empty, ready to write again.
+  RecordWriter& operator=(RecordWriter&& other) noexcept {
+    data_ = std::move(other.data_);
+    size_ = std::exchange(other.size_, 0);
+    capacity_ = std::exchange(other.capacity_, 0);
+    fieldOpen_ = std::exchange(other.fieldOpen_, false);
+    return *this;
+  }
 
   RecordWriter& Text(std::string_view s);
   RecordWriter& Number(double v);  // double precision general form

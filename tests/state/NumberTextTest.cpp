@@ -16,6 +16,7 @@
 
 #include "state/Format.h"
 #include "state/Parallel.h"
+#include "state/RecordWriter.h"
 #include "support/ReferenceNumberText.h"
 
 using namespace varnoth;
@@ -227,4 +228,19 @@ TEST(NumberText, EightMillionValuesAreWrittenAsBefore) {
     }
   });
   EXPECT_EQ(wrong.load(), 0) << "first: " << example;
+}
+
+TEST(RecordWriter, AMovedFromWriterIsEmptyAndWritesAgain) {
+  RecordWriter a;
+  a.Text("x").Number(0.5).End();
+  RecordWriter b(std::move(a));
+  EXPECT_EQ(b.Content(), "\"x\",0.5\r\n");
+  EXPECT_EQ(a.Content(), "");  // NOLINT(bugprone-use-after-move): the state it is left in
+  a.Number(2).Single(0.25f).Integer(-3).End();
+  EXPECT_EQ(a.Content(), "2,0.25,-3\r\n");
+  RecordWriter c;
+  c = b;
+  EXPECT_EQ(c.Content(), b.Content());
+  c = std::move(a);
+  EXPECT_EQ(c.Content(), "2,0.25,-3\r\n");
 }
