@@ -216,11 +216,10 @@ char* WriteDigits(char* out, double v) {
   // [m P, m P + m), which moves the fraction by less than m 2^-shift + 1.
   const std::uint64_t fraction = (hi << (64 - shift)) | (lo >> shift);
   const std::uint64_t margin = (m >> shift) + 2, half = std::uint64_t{1} << 63;
-  if (fraction > half) {
-    ++d;
-  } else if (fraction + margin > half) {
-    return PrintDigits(out, v, precision);
-  }
+  // Uncertain for a fraction in (half - margin, half]; otherwise up above
+  // one half, without a branch that random digits would make unforeseeable.
+  if (fraction - (half - margin + 1) < margin) return PrintDigits(out, v, precision);
+  d += fraction > half ? 1 : 0;
   if (d >= top) {  // rounded up into the next decade
     d /= 10;
     ++x;
