@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <vector>
 
 #include "state/Failure.h"
 
@@ -33,43 +34,24 @@ constexpr char kDigitPairs[] =
     "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
     "8081828384858687888990919293949596979899";
 
-// The `count` digits of d, leading zeros included, into out.
-void FixedDigits(char* out, std::uint32_t d, int count) {
-  int k = count;
-  for (; k >= 2; k -= 2) {
-    const unsigned pair = d % 100;
-    d /= 100;
-    out[k - 2] = kDigitPairs[2 * pair];
-    out[k - 1] = kDigitPairs[2 * pair + 1];
-  }
-  if (k == 1) out[0] = static_cast<char>('0' + d % 10);
-}
-
-// Up to 16 digits as two independent halves of 8, which the processor can
-// work on side by side.
-void FixedDigits64(char* out, std::uint64_t d, int count) {
-  if (count <= 8) {
-    FixedDigits(out, static_cast<std::uint32_t>(d), count);
-    return;
-  }
-  FixedDigits(out, static_cast<std::uint32_t>(d / 100000000u), count - 8);
-  FixedDigits(out + count - 8, static_cast<std::uint32_t>(d % 100000000u), 8);
-}
-
-// Copies of a fixed 16 bytes, which compile to two moves; the buffers leave
-// room for them beyond the text.
-inline void Copy16(char* to, const char* from) { std::memcpy(to, from, 16); }
+// Sixteen characters from a register, first in the lowest byte: a store
+// only, so the text is never read back from memory while the stores that
+// made it are still on their way. The buffers leave room beyond the text.
+inline void Store16(char* to, unsigned __int128 text) { std::memcpy(to, &text, 16); }
 
 // The layout %G gives to `count` significant digits with decimal exponent x
 // (value = d.ddd x 10^x) at precision `precision`, trailing zeros removed.
-// `digits` has 32 readable bytes and `out` room for kNumberTextMax.
-char* LayOut(char* out, bool negative, const char* digits, int count, int x, int precision) {
-  if (negative) *out++ = '-';
+// `text` holds all `precision` digits as characters, the first in the lowest
+// byte; `out` has room for kNumberTextMax.
+inline char* LayOut(char* out, bool negative, unsigned __int128 text, int count, int x,
+                    int precision) {
+  *out = '-';
+  out += negative ? 1 : 0;
   if (x < -4 || x >= precision) {
-    out[0] = digits[0];
+    out[0] = static_cast<char>(text);
     if (count > 1) {
       out[1] = '.';
-      Copy16(out + 2, digits + 1);
+      Store16(out + 2, text >> 8);
       out += count + 1;
     } else {
       out += 1;
@@ -86,98 +68,193 @@ char* LayOut(char* out, bool negative, const char* digits, int count, int x, int
     return out;
   }
   if (x < 0) {
-    out[0] = '0';
-    out[1] = '.';
-    out[2] = out[3] = out[4] = '0';  // up to three zeros after the point
+    std::memcpy(out, "0.000", 5);  // up to three zeros after the point
     out += 1 - x;
-    Copy16(out, digits);
+    Store16(out, text);
     return out + count;
   }
-  // x + 1 digits before the point, zeros where the digits run out.
-  Copy16(out, digits);
-  if (count <= x + 1) {
-    for (int k = count; k <= x; ++k) out[k] = '0';
-    return out + x + 1;
-  }
+  // x + 1 digits before the point; the text has the zeros where the
+  // significant digits end before it.
+  Store16(out, text);
+  if (count <= x + 1) return out + x + 1;
   out[x + 1] = '.';
-  Copy16(out + x + 2, digits + x + 1);
+  Store16(out + x + 2, text >> (8 * (x + 1)));
   return out + count + 1;
 }
 
-// Correctly rounded digits by one extended-precision product: v 10^q is
-// known to about 2e-19 of itself, so the nearest integer is certain unless
-// the fraction lies within 1e-3 of one half, and then the C library decides
-// (a few values in a thousand). Powers of ten up to 10^27 are exact in the
-// 64-bit significand; larger ones are one rounded product of two.
-constexpr bool kExtended = std::numeric_limits<long double>::digits >= 64 &&
-                           std::numeric_limits<long double>::max_exponent >= 16384;
+// Powers of ten as 64 leading bits: 10^q = (P + f) 2^b with P in [2^63, 2^64)
+// and 0 <= f < 1, for q from kLowestPower to kHighestPower. Worked out once by
+// exact integer arithmetic.
+constexpr int kLowestPower = -310, kHighestPower = 340;
 
-long double PowerOfTen(int q) {
-  static const long double small[28] = {1e0L,  1e1L,  1e2L,  1e3L,  1e4L,  1e5L,  1e6L,
-                                        1e7L,  1e8L,  1e9L,  1e10L, 1e11L, 1e12L, 1e13L,
-                                        1e14L, 1e15L, 1e16L, 1e17L, 1e18L, 1e19L, 1e20L,
-                                        1e21L, 1e22L, 1e23L, 1e24L, 1e25L, 1e26L, 1e27L};
-  static const long double large[14] = {1e0L,   1e28L,  1e56L,  1e84L,  1e112L, 1e140L, 1e168L,
-                                        1e196L, 1e224L, 1e252L, 1e280L, 1e308L, 1e336L, 1e364L};
-  return q < 28 ? small[q] : large[q / 28] * small[q % 28];
-}
+struct PowerOfTen {
+  std::uint64_t p;
+  int b;
+};
 
-// FormatGeneral's text with `precision` significant digits (15 or 7).
-char* WriteDigits(char* out, double v, int precision) {
-  if (!std::isfinite(v) || v == 0) return WriteSpecial(out, v);
-  if constexpr (!kExtended) return PrintDigits(out, v, precision);
-  const std::uint64_t bits = std::bit_cast<std::uint64_t>(v);
-  const bool negative = (bits >> 63) != 0;
-  const long double a = std::fabs(static_cast<long double>(v));
-  const std::uint64_t top = precision == 15 ? 1000000000000000u : 10000000u;  // 10^precision
-  const long double upper = static_cast<long double>(top), lower = upper / 10;
-  // Decimal exponent: about log2 |v| log10 2, then stepped to the decade
-  // where the scaled value has `precision` digits before the point.
-  const int biased = static_cast<int>((bits >> 52) & 0x7FF);
-  int x = ((biased != 0 ? biased - 1023 : std::ilogb(v)) * 78913) >> 18;
-  long double scaled = 0;
-  for (int attempt = 0;; ++attempt) {
-    if (attempt == 4) return PrintDigits(out, v, precision);
-    int q = precision - 1 - x;
-    scaled = q >= 0 ? a * PowerOfTen(q) : a / PowerOfTen(-q);
-    if (scaled >= upper) {
-      ++x;
-    } else if (scaled < lower) {
-      --x;
-    } else {
-      break;
+class PowerTable {
+ public:
+  PowerTable() {
+    // Non-negative powers: 10^q exactly, as 32-bit limbs, lowest first.
+    std::vector<std::uint32_t> n{1};
+    for (int q = 0; q <= kHighestPower; ++q) {
+      Set(q, n, 0);
+      Multiply(n, 10);
+    }
+    // Negative powers: floor(2^L / 10^k) by repeated exact division by 10
+    // (floors of floors are the floor of the whole quotient).
+    constexpr int L = 1216;
+    std::vector<std::uint32_t> d(L / 32 + 1, 0);
+    d.back() = 1u << (L % 32);
+    for (int k = 1; k <= -kLowestPower; ++k) {
+      Divide(d, 10);
+      Set(-k, d, -L);
+    }
+    // For each binary exponent E of a normal double: the decade of 2^E and
+    // the least significand from which the value reaches the next decade.
+    for (int biased = 1; biased <= 2046; ++biased) {
+      const int E = biased - 1023;
+      auto lead = [&](int k) { return (*this)[k].b + 63; };  // floor(log2 10^k)
+      int k = (E * 78913) >> 18;
+      while (!(lead(k) < E || (k == 0 && E == 0))) --k;
+      while (lead(k + 1) < E || (k + 1 == 0 && E == 0)) ++k;
+      decade_[biased] = static_cast<std::int16_t>(k);
+      std::uint64_t threshold = std::uint64_t{1} << 53;  // beyond every significand
+      if (lead(k + 1) == E) {
+        // ceil(10^(k+1) / 2^(E-52)): the power's leading 64 bits, 11 below
+        // the significand's; exact only for 10^0 to 10^27.
+        const std::uint64_t p = (*this)[k + 1].p;
+        const bool exact = k + 1 >= 0 && k + 1 <= 27;
+        threshold = (p >> 11) + ((p & 0x7FF) != 0 || !exact ? 1 : 0);
+      }
+      threshold_[biased] = threshold;
     }
   }
-  // Nearest integer, ties to even: adding 2^63 leaves no bits below the
-  // point of a 64-bit significand. The result is below 2^53, so it passes
-  // through a double exactly and converts without a change of mode.
-  const long double nearest = (scaled + 0x1p63L) - 0x1p63L;
-  std::uint64_t d = static_cast<std::uint64_t>(static_cast<double>(nearest));
-  const long double fraction = scaled - nearest;
-  if (fraction > 0.499L || fraction < -0.499L) return PrintDigits(out, v, precision);
+  const PowerOfTen& operator[](int q) const { return table_[q - kLowestPower]; }
+  // The decade of the normal double with this biased exponent and
+  // significand (with its leading bit): floor(log10 v).
+  int Decade(int biased, std::uint64_t m) const {
+    return decade_[biased] + (m >= threshold_[biased] ? 1 : 0);
+  }
+
+ private:
+  static void Multiply(std::vector<std::uint32_t>& n, std::uint32_t m) {
+    std::uint64_t carry = 0;
+    for (std::uint32_t& limb : n) {
+      carry += static_cast<std::uint64_t>(limb) * m;
+      limb = static_cast<std::uint32_t>(carry);
+      carry >>= 32;
+    }
+    if (carry) n.push_back(static_cast<std::uint32_t>(carry));
+  }
+  static void Divide(std::vector<std::uint32_t>& n, std::uint32_t m) {
+    std::uint64_t rest = 0;
+    for (std::size_t i = n.size(); i-- > 0;) {
+      rest = (rest << 32) | n[i];
+      n[i] = static_cast<std::uint32_t>(rest / m);
+      rest %= m;
+    }
+    while (n.size() > 1 && n.back() == 0) n.pop_back();
+  }
+  // The leading 64 bits of n, truncated, with n 2^shift = 10^q.
+  void Set(int q, const std::vector<std::uint32_t>& n, int shift) {
+    const int top = static_cast<int>(n.size()) - 1;
+    const int bits = top * 32 + std::bit_width(n[top]);
+    std::uint64_t p = 0;
+    for (int bit = bits - 1, k = 0; k < 64; --bit, ++k) {
+      p <<= 1;
+      if (bit >= 0 && ((n[static_cast<std::size_t>(bit / 32)] >> (bit % 32)) & 1u)) p |= 1;
+    }
+    table_[q - kLowestPower] = {p, bits - 64 + shift};
+  }
+  PowerOfTen table_[kHighestPower - kLowestPower + 1];
+  std::int16_t decade_[2047] = {};
+  std::uint64_t threshold_[2047] = {};
+};
+
+const PowerTable& Powers() {
+  static const PowerTable table;
+  return table;
+}
+
+// Eight decimal digits of n < 10^8 at once, first digit in the lowest byte:
+// the halves, quarters and pairs are split in parallel lanes of one word.
+std::uint64_t EightDigits(std::uint32_t n) {
+  const std::uint64_t halves = (n / 10000) | (static_cast<std::uint64_t>(n % 10000) << 32);
+  const std::uint64_t hundreds = ((halves * 10486) >> 20) & 0x0000007F0000007FULL;
+  const std::uint64_t quarters = hundreds | ((halves - hundreds * 100) << 16);
+  const std::uint64_t tens = ((quarters * 103) >> 10) & 0x000F000F000F000FULL;
+  return tens | ((quarters - tens * 10) << 8);
+}
+
+// Correctly rounded digits from one 64 x 64-bit product: with the truncated
+// power the product is known to within m, under 2^-13 of a unit of the last
+// digit, so the nearest integer is certain unless the fraction lies that
+// close to one half; then, and for the rare subnormal, the C library decides.
+template <int precision>
+char* WriteDigits(char* out, double v) {
+  const std::uint64_t bits = std::bit_cast<std::uint64_t>(v);
+  const int biased = static_cast<int>((bits >> 52) & 0x7FF);
+  if (biased == 0x7FF || (bits << 1) == 0) return WriteSpecial(out, v);
+  if (biased == 0) return PrintDigits(out, v, precision);
+  const bool negative = (bits >> 63) != 0;
+  const std::uint64_t m = (bits & 0x000FFFFFFFFFFFFFULL) | 0x0010000000000000ULL;
+  const int e = biased - 1075;                                                    // v = m 2^e
+  constexpr std::uint64_t top = precision == 15 ? 1000000000000000u : 10000000u;  // 10^precision
+  const PowerTable& powers = Powers();
+  int x = powers.Decade(biased, m);
+  const PowerOfTen& p = powers[precision - 1 - x];
+  // v 10^(precision - 1 - x) = m P 2^-(64 + shift), from 10^(precision - 1)
+  // up to 10^precision: 1 <= shift <= 33 for 15 and 7 digits.
+  const int shift = -(e + p.b) - 64;
+  if (shift < 1 || shift > 63) return PrintDigits(out, v, precision);
+  const unsigned __int128 product = static_cast<unsigned __int128>(m) * p.p;
+  const std::uint64_t hi = static_cast<std::uint64_t>(product >> 64);
+  const std::uint64_t lo = static_cast<std::uint64_t>(product);
+  std::uint64_t d = hi >> shift;
+  // The leading 64 bits of the fraction; the true product lies in
+  // [m P, m P + m), which moves the fraction by less than m 2^-shift + 1.
+  const std::uint64_t fraction = (hi << (64 - shift)) | (lo >> shift);
+  const std::uint64_t margin = (m >> shift) + 2, half = std::uint64_t{1} << 63;
+  // Uncertain for a fraction in (half - margin, half]; otherwise up above
+  // one half, without a branch that random digits would make unforeseeable.
+  if (fraction - (half - margin + 1) < margin) return PrintDigits(out, v, precision);
+  d += fraction > half ? 1 : 0;
   if (d >= top) {  // rounded up into the next decade
     d /= 10;
     ++x;
   }
-  char digits[48];
-  FixedDigits64(digits, d, precision);
-  int count = precision;
-  while (digits[count - 1] == '0') --count;
-  return LayOut(out, negative, digits, count, x, precision);
+  if (d < top / 10) return PrintDigits(out, v, precision);
+  const std::uint64_t zeros = 0x3030303030303030ULL;
+  unsigned __int128 text;
+  int count;
+  if constexpr (precision == 15) {
+    // Sixteen digits, the first a zero, dropped by the shift.
+    const std::uint64_t low = EightDigits(static_cast<std::uint32_t>(d % 100000000u));
+    const std::uint64_t high = EightDigits(static_cast<std::uint32_t>(d / 100000000u));
+    count = low != 0 ? 15 - std::countl_zero(low) / 8 : 7 - std::countl_zero(high) / 8;
+    text = ((static_cast<unsigned __int128>(low + zeros) << 64) | (high + zeros)) >> 8;
+  } else {
+    const std::uint64_t low = EightDigits(static_cast<std::uint32_t>(d));
+    count = 7 - std::countl_zero(low) / 8;
+    text = (low + zeros) >> 8;
+  }
+  return LayOut(out, negative, text, count, x, precision);
 }
 
-std::string ToString(char* (*write)(char*, double, int), double v, int precision) {
+template <int precision>
+std::string ToString(double v) {
   char buf[kNumberTextMax];
-  return std::string(buf, write(buf, v, precision));
+  return std::string(buf, WriteDigits<precision>(buf, v));
 }
 
 }  // namespace
 
-char* WriteGeneral(char* out, double v) { return WriteDigits(out, v, 15); }
-char* WriteSingle(char* out, float v) { return WriteDigits(out, static_cast<double>(v), 7); }
+char* WriteGeneral(char* out, double v) { return WriteDigits<15>(out, v); }
+char* WriteSingle(char* out, float v) { return WriteDigits<7>(out, static_cast<double>(v)); }
 
-std::string FormatGeneral(double v) { return ToString(WriteDigits, v, 15); }
-std::string FormatSingle(float v) { return ToString(WriteDigits, static_cast<double>(v), 7); }
+std::string FormatGeneral(double v) { return ToString<15>(v); }
+std::string FormatSingle(float v) { return ToString<7>(static_cast<double>(v)); }
 
 const double kExactPowersOfTen[16] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                       1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};

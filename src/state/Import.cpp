@@ -195,8 +195,7 @@ void CheckTaxa(Session& s, Dialogs& dialogs, Where& where) {
     const std::string& fossil = s.FossilTaxaNames(j);
     const std::string& reference = s.RefTaxaNames(j);
     if (fossil == reference) continue;
-    if (!dialogs.Question("Name inconsistent.  [" + fossil + "] = [" + reference + "]?",
-                          "Error")) {
+    if (!dialogs.Question("Name inconsistent.  [" + fossil + "] = [" + reference + "]?", "Error")) {
       where.At(1, j + 1);
       throw ImportAbort{"The taxon names [" + fossil + "] and [" + reference +
                         "] were not accepted as the same"};
@@ -381,12 +380,10 @@ std::string Explain(const RuntimeFailure& e, const Where& where) {
         return "The header and first row hold more than 1000 cells (" + name + ")";
       break;
     case Where::Rows:
-      if (e.kind() == FailureKind::InputPastEnd)
-        return "The file ends inside a row (" + name + ")";
+      if (e.kind() == FailureKind::InputPastEnd) return "The file ends inside a row (" + name + ")";
       if (e.kind() == FailureKind::TypeMismatch) return "A value is not a number (" + name + ")";
       if (e.kind() == FailureKind::Overflow) return "A value is too large (" + name + ")";
-      if (e.kind() == FailureKind::SubscriptOutOfRange)
-        return "More than 9999 rows (" + name + ")";
+      if (e.kind() == FailureKind::SubscriptOutOfRange) return "More than 9999 rows (" + name + ")";
       break;
     case Where::Checking:
       break;

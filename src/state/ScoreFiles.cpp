@@ -51,22 +51,21 @@ void Contributions(RecordWriter& w, const Session& s, long count) {
   w.End();
 }
 
-// The rows of a score table: `row(w, i)` writes record i. Slices of rows
-// are put into text on all cores and written after the heading in order,
-// so the file is the one a single writer gives.
+// Writes the file: the heading in `w`, then the rows of a score table, where
+// row(r, i) writes record i. Slices of rows are put into text on all cores
+// and written in order as they are done, so the file is the one a single
+// writer gives.
 template <typename Row>
-std::vector<RecordWriter> Rows(long rows, long columns, Progress& progress, Row row) {
+void SaveRows(const RecordWriter& w, const std::string& path, long rows, long columns,
+              Progress& progress, Row row) {
   constexpr long kSlice = 256;
-  const long slices = (rows + kSlice - 1) / kSlice;
-  std::vector<RecordWriter> parts(static_cast<std::size_t>(std::max(0L, slices)));
-  ParallelTasks(slices, [&](long t) {
-    RecordWriter& part = parts[static_cast<std::size_t>(t)];
+  const long slices = std::max(0L, (rows + kSlice - 1) / kSlice);
+  w.Save(path, slices, [&](long t, RecordWriter& part) {
     // A number takes at most 22 characters and its comma.
     part.Reserve(static_cast<std::size_t>(kSlice * (23 * columns + 64)));
     for (long i = t * kSlice + 1; i <= std::min(rows, (t + 1) * kSlice); ++i) row(part, i);
   });
   if (rows > 0) progress.Step(rows);
-  return parts;
 }
 
 }  // namespace
@@ -108,12 +107,11 @@ void sSaveScore(const Session& s, const std::string& path, const FileStamp& stam
   w.Text("No. of reference sites: ").Integer(sites).End();
   EofNumbers(w, n);
   Contributions(w, s, n);
-  auto rows = Rows(sites, n, progress, [&](RecordWriter& r, long i) {
+  SaveRows(w, path, sites, n, progress, [&](RecordWriter& r, long i) {
     r.Text(s.RefSiteNames(i));
     for (long c = 1; c <= n; ++c) r.Number(s.RefScores(i, c));
     r.End();
   });
-  w.Save(path, rows);
   progress.Finish();
 }
 
@@ -158,13 +156,12 @@ void fSaveScore(const Session& s, const std::string& path, const FileStamp& stam
     w.Text(used ? "Yes" : "No");
   }
   w.End();
-  auto rows = Rows(samples, n, progress, [&](RecordWriter& r, long i) {
+  SaveRows(w, path, samples, n, progress, [&](RecordWriter& r, long i) {
     r.Text(s.FossilLabels(i));
     r.Text(!s.EnvelopeDone ? "?" : s.SampleIsOut(i) ? "Out" : "In");
     for (long c = 1; c <= n; ++c) r.Number(s.FossilScores(i, c));
     r.End();
   });
-  w.Save(path, rows);
   progress.Finish();
 }
 
