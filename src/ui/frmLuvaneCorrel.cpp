@@ -27,6 +27,10 @@ const QColor kBlue{0, 0, 255};
 
 }  // namespace
 
+// The list's line edit loses the focus while the window goes away, when
+// its children outlive the window's own part: it must not call back then.
+frmLuvaneCorrel::~frmLuvaneCorrel() { Combo1->lineEdit()->disconnect(this); }
+
 frmLuvaneCorrel::frmLuvaneCorrel(Session& session, Dialogs& dialogs, frmMAT& mat, QWidget* owner)
     : QMainWindow(owner, Qt::Window), s_(session), dialogs_(dialogs, this), mat_(mat) {
   setObjectName("frmLuvaneCorrel");

@@ -25,6 +25,7 @@ class frmLuvaneCorrel : public QMainWindow {
   Q_OBJECT
  public:
   frmLuvaneCorrel(Session& session, Dialogs& dialogs, frmMAT& mat, QWidget* owner);
+  ~frmLuvaneCorrel() override;
 
   // Shown at the end of every run, at the first parameter.
   void Open();
