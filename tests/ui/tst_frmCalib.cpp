@@ -446,16 +446,8 @@ void TestFrmCalib::chartStaysWhenTheToolIsActivatedFromIt() {
 
 // Every control a user can point at has a tool tip.
 void CheckToolTips(QWidget* window) {
-  for (QWidget* w : window->findChildren<QWidget*>()) {
-    if (w->objectName().isEmpty() || w->objectName().startsWith("qt_") || !w->isVisibleTo(window))
-      continue;
-    const bool control = qobject_cast<QAbstractButton*>(w) || qobject_cast<QAbstractSlider*>(w) ||
-                         qobject_cast<QComboBox*>(w) || qobject_cast<QAbstractSpinBox*>(w) ||
-                         qobject_cast<QLineEdit*>(w) || qobject_cast<PictureBox*>(w);
-    if (!control) continue;
-    QVERIFY2(!w->toolTip().isEmpty(),
-             qPrintable(window->objectName() + ": " + w->objectName() + " has no tool tip"));
-  }
+  const QStringList missing = uitest::WithoutToolTip(window, true);
+  QVERIFY2(missing.isEmpty(), qPrintable(missing.join(", ") + " without a tool tip"));
 }
 
 void TestFrmCalib::everyControlSaysWhatItDoesAndTheStatusLineTheNextStep() {
