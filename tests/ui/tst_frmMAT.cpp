@@ -22,6 +22,7 @@
 #include <cmath>
 #include <map>
 
+#include "RecordSupport.h"
 #include "UiSupport.h"
 #include "presentation/ReconstructionFigure.h"
 #include "reconstruction/ClimateImport.h"
@@ -37,10 +38,17 @@
 
 using namespace varnoth;
 using varnoth::uitest::BatchOnExamples;
+using varnoth::uitest::Compare;
 using varnoth::uitest::Example;
+using varnoth::uitest::Field;
 using varnoth::uitest::Inked;
 using varnoth::uitest::Near;
 using varnoth::uitest::ReadAll;
+using varnoth::uitest::Record;
+using varnoth::uitest::Records;
+using varnoth::uitest::TestData;
+using varnoth::uitest::Value;
+using varnoth::uitest::WithoutClockAndPaths;
 
 namespace {
 
@@ -179,71 +187,6 @@ struct Core {
   }
 };
 
-// The test's own reading of a written file: quoted records split into
-// fields, each remembering whether it stood in double quotes.
-struct Field {
-  QString Text;
-  bool Quoted = false;
-};
-using Record = std::vector<Field>;
-
-std::vector<Record> Records(const QString& path) {
-  std::vector<Record> records;
-  const QString text = QString::fromUtf8(ReadAll(path));
-  for (const QString& line : text.split("\r\n", Qt::SkipEmptyParts)) {
-    Record r;
-    int i = 0;
-    while (i <= line.size()) {
-      Field f;
-      if (i < line.size() && line[i] == '"') {
-        const int close = line.indexOf('"', i + 1);
-        f.Text = line.mid(i + 1, close - i - 1);
-        f.Quoted = true;
-        i = close + 1;
-      } else {
-        const int comma = line.indexOf(',', i);
-        f.Text = line.mid(i, comma < 0 ? -1 : comma - i);
-        i = comma < 0 ? static_cast<int>(line.size()) : comma;
-      }
-      r.push_back(f);
-      ++i;  // the comma
-    }
-    records.push_back(r);
-  }
-  return records;
-}
-
-// Whether two fields agree: texts exactly, numbers within a relative
-// tolerance (single precision by default).
-bool Agree(const Field& a, const Field& b, double tolerance = 2.5e-7) {
-  if (a.Quoted || b.Quoted) return a.Quoted == b.Quoted && a.Text == b.Text;
-  bool okA = false, okB = false;
-  const double x = a.Text.toDouble(&okA), y = b.Text.toDouble(&okB);
-  if (!okA || !okB) return false;
-  return std::abs(x - y) <= tolerance * std::max(std::abs(x), std::abs(y));
-}
-
-// The first disagreement between two files read as records, or empty.
-QString Compare(const std::vector<Record>& mine, const std::vector<Record>& expected,
-                double tolerance = 2.5e-7) {
-  if (mine.size() != expected.size())
-    return QString("%1 records, expected %2").arg(mine.size()).arg(expected.size());
-  for (std::size_t i = 0; i < mine.size(); ++i) {
-    if (mine[i].size() != expected[i].size())
-      return QString("record %1: %2 fields, expected %3")
-          .arg(i + 1)
-          .arg(mine[i].size())
-          .arg(expected[i].size());
-    for (std::size_t j = 0; j < mine[i].size(); ++j)
-      if (!Agree(mine[i][j], expected[i][j], tolerance))
-        return QString("record %1 field %2: %3, expected %4")
-            .arg(i + 1)
-            .arg(j + 1)
-            .arg(mine[i][j].Text, expected[i][j].Text);
-  }
-  return QString();
-}
-
 // The example fossil table with the samples at `rows` (1-based) set to zero.
 std::string FossilWithEmpty(uitest::MainFixture& f, std::initializer_list<int> rows) {
   QList<QByteArray> lines = ReadAll(QString::fromStdString(Example("fossil.csv"))).split('\n');
@@ -288,18 +231,6 @@ QString CorrelationOf(const QString& path) {
     syy += (y[i] - my) * (y[i] - my);
   }
   return "R = " + QString::number(std::round(sxy / std::sqrt(sxx * syy) * 10000) / 10000, 'g', 6);
-}
-
-// The second field of the record whose first field is `key`.
-QString Value(const std::vector<Record>& records, const QString& key) {
-  for (const Record& r : records)
-    if (!r.empty() && r[0].Text == key && r.size() > 1) return r[1].Text;
-  return "(none)";
-}
-
-// Files kept with the tests.
-QString TestData(const QString& name) {
-  return QString(VARNOTH_EXAMPLES) + "/../../tests/data/" + name;
 }
 
 }  // namespace
@@ -1511,15 +1442,7 @@ void TestFrmMAT::ostrelAndTamsekReadBack() {
       Records(QString::fromStdString(r.Save(m->mnuSaveOstrel, "o.csv")));
   std::vector<Record> expected = Records(TestData("reconstruction/expected/ostrel-sqrt.csv"));
   // The clock and the paths differ by nature.
-  auto drop = [](std::vector<Record> rows) {
-    std::vector<Record> kept;
-    for (Record& row : rows)
-      if (row[0].Text != "Date/Time: " && row[0].Text != "Reference data file: " &&
-          row[0].Text != "Climate data file: ")
-        kept.push_back(row);
-    return kept;
-  };
-  QString diff = Compare(drop(ostrel), drop(expected));
+  QString diff = Compare(WithoutClockAndPaths(ostrel), WithoutClockAndPaths(expected));
   QVERIFY2(diff.isEmpty(), qPrintable(diff));
 
   // The histogram matrix: its header, its bins, its depths, its cells.
