@@ -261,7 +261,7 @@ class TestFrmMAT : public QObject {
   void upDownWrapsAndCheck3FollowsDiagram();
   void colourChangeReachesCurve();
   void failureEndsAtBoundary();
-  void filesMatchBatchRunner();
+  void windowSavesAreTheBatchRunnersBytes();
   void unloadAndReopen();
   void quitClosesWindow();
   void smoothingDrawnTwoPixelsWide();
@@ -288,7 +288,7 @@ class TestFrmMAT : public QObject {
   void emptyEndSamplesPutHistogramOnCurveScale();
   void combo3ShowsAnEmptySelectedSample();
   void matrixFilesSayNoEnhancementAfterCheck2Off();
-  void windowFilesMatchIndependentResults();
+  void everySaveEntryMatchesIndependentResults();
   void correlationLabelReadsIndependentR();
   void ostrelAndTamsekReadBack();
   void analogueDetailsAfterInterpolationGiveFiveRecords();
@@ -770,7 +770,10 @@ void TestFrmMAT::failureEndsAtBoundary() {
   QVERIFY(Near(r.P1(), r.session.ReconValue(k, 1), CurvePosition(r.session, k), r.Curve(), 1));
 }
 
-void TestFrmMAT::filesMatchBatchRunner() {
+// Away from the defaults, every file the window saves is the batch
+// runner's file byte for byte; what the files hold is checked against the
+// independent results in everySaveEntryMatchesIndependentResults.
+void TestFrmMAT::windowSavesAreTheBatchRunnersBytes() {
   Road r;
   r.Climate();
   frmMAT* m = r.mat;
@@ -1401,21 +1404,57 @@ void TestFrmMAT::matrixFilesSayNoEnhancementAfterCheck2Off() {
   }
 }
 
-void TestFrmMAT::windowFilesMatchIndependentResults() {
+// Every save entry of the curves, the analogues and the scatter, from the
+// menu and from the pictures, read back and set against the independent
+// results at the window's defaults. The files of one parameter or without
+// the errors are the columns of the independent file of all parameters.
+void TestFrmMAT::everySaveEntryMatchesIndependentResults() {
   Road r;
   r.Climate();
   frmMAT* m = r.mat;
   m->Check5->click();
-  const std::string curves = r.Save(m->mnuSaveCurveAllVandE, "curves.csv");
-  QString diff =
-      Compare(Records(QString::fromStdString(curves)),
-              Records(TestData("reconstruction/expected/curve-all-with-error-default.csv")), 1e-9);
-  QVERIFY2(diff.isEmpty(), qPrintable(diff));
+  const std::vector<Record> all =
+      Records(TestData("reconstruction/expected/curve-all-with-error-default.csv"));
+  // Depth, then from, value and to for SumSST, WinSST and Salinity, then the
+  // number of analogues.
+  QCOMPARE(all[0].size(), std::size_t(11));
+  QCOMPARE(all[0][2].Text, QString("SumSST"));
+  auto columns = [&all](std::initializer_list<std::size_t> picked) {
+    std::vector<Record> out;
+    for (const Record& row : all) {
+      Record kept;
+      for (std::size_t c : picked) kept.push_back(row[c]);
+      out.push_back(kept);
+    }
+    return out;
+  };
+  const std::vector<Record> curve = columns({0, 2});
+  std::vector<Record> curveWithError = columns({0, 1, 2, 3, 10});
+  curveWithError[0][1].Text = "Error (from)";
+  curveWithError[0][3].Text = "Error (to)";
+  const std::vector<Record> curveAll = columns({0, 2, 5, 8});
+  const std::vector<Record> details =
+      Records(TestData("reconstruction/expected/analogue-details-default.csv"));
+  const std::pair<QAction*, const std::vector<Record>*> saves[] = {
+      {m->mnuSaveCurveVOnly, &curve},          {m->mnuSaveCurve2VOnly, &curve},
+      {m->mnuSaveCurveVandE, &curveWithError}, {m->mnuSaveCurve2VandE, &curveWithError},
+      {m->mnuSaveCurveAllVOnly, &curveAll},    {m->mnuSaveCurveAll2VOnly, &curveAll},
+      {m->mnuSaveCurveAllVandE, &all},         {m->mnuSaveCurveAll2VandE, &all},
+      {m->mnuSaveDistAna2, &details},          {m->mnuSaveDistAna, &details}};
+  for (const auto& [entry, expected] : saves) {
+    QVERIFY2(entry->isEnabled(), qPrintable(entry->objectName()));
+    const std::string path = r.Save(entry, entry->objectName() + ".csv");
+    const QString diff = Compare(Records(QString::fromStdString(path)), *expected, 1e-9);
+    QVERIFY2(diff.isEmpty(), qPrintable(entry->objectName() + ": " + diff));
+  }
   m->Command3->click();
-  const std::string scatter = r.Save(m->mnuSaveScatter2, "scatter.csv");
-  diff = Compare(Records(QString::fromStdString(scatter)),
-                 Records(TestData("reconstruction/expected/scatter-SumSST-default.csv")), 1e-9);
-  QVERIFY2(diff.isEmpty(), qPrintable(diff));
+  const std::vector<Record> scatter =
+      Records(TestData("reconstruction/expected/scatter-SumSST-default.csv"));
+  for (QAction* entry : {m->mnuSaveScatter, m->mnuSaveScatter2}) {
+    const std::string path = r.Save(entry, entry->objectName() + ".csv");
+    const QString diff = Compare(Records(QString::fromStdString(path)), scatter, 1e-9);
+    QVERIFY2(diff.isEmpty(), qPrintable(entry->objectName() + ": " + diff));
+  }
 }
 
 void TestFrmMAT::correlationLabelReadsIndependentR() {
