@@ -245,12 +245,63 @@ const Table& CalibTips() {
   return t;
 }
 
+// The map keeps its own tip: the name of the site under the pointer.
+const Table& LuvaneTips() {
+  static const Table t = {
+      {"Command0",
+       "Read the climate stations from a CSV file: name, longitude, latitude, altitude, the two "
+       "lapse rates per 100 m, then one column per climate parameter (Help shows the format)"},
+      {"Command2",
+       "Read the positions of the reference sites from a CSV file, one row per site in the "
+       "reference table's order - needs the stations (Import reference dataset)"},
+      {"Command3",
+       "Interpolate the climate onto the sites and check each station against the others - "
+       "needs the stations and the sites' positions"},
+      {"Command1",
+       "Hand the interpolated climate to the reconstruction window - needs Check accuracy"},
+      {"Command4", "Close the window; Launch Luvane in the reconstruction window opens it again"},
+      {"Option1_1",
+       "Weigh every station within the radius by its distance (see the weighting factor); a "
+       "change asks for Check accuracy again"},
+      {"Option1_0",
+       "Take the nearest station within the radius; a change asks for Check accuracy again"},
+      {"Combo1",
+       "A station weighs its distance to this power (-2: the inverse square), with Interpolation; "
+       "a change asks for Check accuracy again"},
+      {"Text3",
+       "Stations farther than this, in degrees, take no part; a change asks for Check accuracy "
+       "again"},
+      {"Combo2", "Unit of the radius: always degrees of longitude and latitude (not a choice)"},
+      {"Text1_0", "Lower latitude of the map, read at the next redraw"},
+      {"Text1_1", "Upper latitude of the map, read at the next redraw"},
+      {"Text2_0", "Western longitude of the map, read at the next redraw"},
+      {"Text2_1", "Eastern longitude of the map, read at the next redraw"},
+  };
+  return t;
+}
+
+const Table& LuvaneCorrelTips() {
+  static const Table t = {
+      {"Combo1",
+       "Climate parameter whose estimated and observed values at the stations are shown; the "
+       "reconstruction window shows the same parameter"},
+      {"Text1_0", "Lower end of both axes of the scatter; type to redraw"},
+      {"Text1_1", "Upper end of both axes of the scatter; type to redraw"},
+  };
+  return t;
+}
+
 const Table* TableFor(const QString& window) {
   static const std::map<QString, const Table*> tables = {
-      {"frmMain", &MainTips()},       {"frmCorrelVar", &CorrelVarTips()},
-      {"frmControl", &ControlTips()}, {"frmDiagram", &DiagramTips()},
-      {"frmColor", &ColorTips()},     {"frmMAT", &MATTips()},
+      {"frmMain", &MainTips()},
+      {"frmCorrelVar", &CorrelVarTips()},
+      {"frmControl", &ControlTips()},
+      {"frmDiagram", &DiagramTips()},
+      {"frmColor", &ColorTips()},
+      {"frmMAT", &MATTips()},
       {"frmCalib", &CalibTips()},
+      {"frmLuvane", &LuvaneTips()},
+      {"frmLuvaneCorrel", &LuvaneCorrelTips()},
   };
   const auto found = tables.find(window);
   return found == tables.end() ? nullptr : found->second;

@@ -29,6 +29,7 @@
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
 #include "ui/PublicationExport.h"
+#include "ui/ToolTips.h"
 #include "ui/WindowPlacement.h"
 #include "ui/frmLuvaneCorrel.h"
 #include "ui/frmLuvaneHelp.h"
@@ -150,23 +151,6 @@ void frmLuvane::BuildControls() {
     Text1[i] = Named(new QLineEdit(c), QString("Text1_%1").arg(i));
     Text2[i] = Named(new QLineEdit(c), QString("Text2_%1").arg(i));
   }
-  // What each control does, in a researcher's words; the map's own tool
-  // tip names the site under the pointer.
-  Command0->setToolTip(
-      "Read the climate stations: name, longitude, latitude, altitude, the two lapse rates per "
-      "100 m, then one column per climate parameter");
-  Command2->setToolTip(
-      "Read the positions of the surface pollen sites, one row per reference site, in its order");
-  Command3->setToolTip("Interpolate onto the sites and check each station against the others");
-  Command1->setToolTip("Hand the interpolated climate to the reconstruction");
-  Option1[1]->setToolTip("Weigh every station within the radius by its distance");
-  Option1[0]->setToolTip("Take the nearest station within the radius");
-  Combo1->setToolTip("The weight of a station is its distance to this power");
-  Text3->setToolTip("Stations farther than this, in degrees, take no part");
-  Text1[0]->setToolTip("Lower latitude of the map, read at the next redraw");
-  Text1[1]->setToolTip("Upper latitude of the map, read at the next redraw");
-  Text2[0]->setToolTip("Western longitude of the map, read at the next redraw");
-  Text2[1]->setToolTip("Eastern longitude of the map, read at the next redraw");
   ProgressBar1 = Named(new QProgressBar(c), "ProgressBar1");
   ProgressBar1->setTextVisible(false);
   progress_.SetBar(ProgressBar1);
@@ -209,6 +193,7 @@ void frmLuvane::BuildControls() {
       [] { return false; },
       [this](const PublicationChoice& c) { return pub::MapFigure(s_, coast_, c.WidthMm); },
       mnuCopyMap);
+  ExplainControls(this);
   connect(Picture1, &PictureBox::RightPressed, this,
           [this](const QPoint& at) { mnuRBTag->popup(at); });
   connect(Picture1, &PictureBox::LeftPressed, this, [this](const QPointF& pixel) {

@@ -15,6 +15,7 @@
 #include "ui/Controls.h"
 #include "ui/FigureExport.h"
 #include "ui/PictureBox.h"
+#include "ui/ToolTips.h"
 #include "ui/WindowPlacement.h"
 #include "ui/frmCalib.h"
 #include "ui/frmMAT.h"
@@ -61,6 +62,7 @@ frmLuvaneCorrel::frmLuvaneCorrel(Session& session, Dialogs& dialogs, frmMAT& mat
   Label1[1]->setGeometry(4, 40, 42, 18);
   Label1[0]->setGeometry(4, 302, 42, 18);
   resize(340, 390);
+  ExplainControls(this);
 
   RightButton = new QMenu("RightButton", this);
   RightButton->setObjectName("RightButton");

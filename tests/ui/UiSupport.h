@@ -2,10 +2,16 @@
 // What the window tests share: a main window on its own session with
 // scripted dialog answers, small tables written on the fly, and the road of
 // one analysis clicked through.
+#include <QAbstractButton>
+#include <QAbstractSlider>
+#include <QAbstractSpinBox>
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QLineEdit>
 #include <QProcess>
 #include <QPushButton>
+#include <QStringList>
 #include <QTemporaryDir>
 #include <QTest>
 #include <algorithm>
@@ -16,6 +22,7 @@
 #include "PixelSupport.h"
 #include "presentation/Colours.h"
 #include "state/Session.h"
+#include "ui/PictureBox.h"
 #include "ui/ScriptedDialogs.h"
 #include "ui/frmCorrelVar.h"
 #include "ui/frmMain.h"
@@ -35,6 +42,26 @@ inline void Shot(QWidget* w, const char* name) {
 inline QByteArray ReadAll(const QString& path) {
   QFile f(path);
   return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// The controls of `window` a user can point at (buttons, check boxes,
+// radio buttons, sliders, combo and spin boxes, line edits, and pictures
+// when `pictures`) that carry no tool tip; `walked` counts those looked at.
+inline QStringList WithoutToolTip(QWidget* window, bool pictures, int* walked = nullptr) {
+  QStringList missing;
+  int seen = 0;
+  for (QWidget* w : window->findChildren<QWidget*>()) {
+    if (w->objectName().isEmpty() || w->objectName().startsWith("qt_") || !w->isVisibleTo(window))
+      continue;
+    const bool control = qobject_cast<QAbstractButton*>(w) || qobject_cast<QAbstractSlider*>(w) ||
+                         qobject_cast<QComboBox*>(w) || qobject_cast<QAbstractSpinBox*>(w) ||
+                         qobject_cast<QLineEdit*>(w) || (pictures && qobject_cast<PictureBox*>(w));
+    if (!control) continue;
+    ++seen;
+    if (w->toolTip().trimmed().isEmpty()) missing << window->objectName() + "." + w->objectName();
+  }
+  if (walked) *walked = seen;
+  return missing;
 }
 
 #ifdef VARNOTH_BATCH

@@ -20,7 +20,9 @@
 #include <QRegularExpression>
 #include <QSlider>
 #include <QTest>
+#include <numeric>
 
+#include "RecordSupport.h"
 #include "UiSupport.h"
 #include "presentation/CalibFigure.h"
 #include "presentation/CalibPrint.h"
@@ -36,8 +38,14 @@
 
 using namespace varnoth;
 using varnoth::uitest::BatchOnExamples;
+using varnoth::uitest::Compare;
 using varnoth::uitest::Example;
 using varnoth::uitest::ReadAll;
+using varnoth::uitest::Record;
+using varnoth::uitest::Records;
+using varnoth::uitest::TestData;
+using varnoth::uitest::Value;
+using varnoth::uitest::WithoutClockAndPaths;
 
 namespace {
 
@@ -108,6 +116,28 @@ struct Road : uitest::MainFixture {
     std::array<int, 9> s{};
     for (int f = 1; f <= 8; ++f) s[static_cast<std::size_t>(f)] = cal->FigureShows(f);
     return s;
+  }
+};
+
+// A matrix file read back: the header lines, the record of the bins (its
+// first field quoted and empty), then one record per depth row.
+struct MatrixFile {
+  std::vector<Record> Header, Body;
+  Record Bins;
+  explicit MatrixFile(const std::vector<Record>& records) {
+    std::size_t i = 0;
+    for (; i < records.size() && !(records[i][0].Quoted && records[i][0].Text.isEmpty()); ++i)
+      Header.push_back(records[i]);
+    if (i < records.size()) Bins = records[i++];
+    Body.assign(records.begin() + std::ptrdiff_t(i), records.end());
+  }
+  int Rows() const { return int(Body.size()) - 1; }
+  // Without the clock, the paths and the count of rows.
+  std::vector<Record> HeaderWithoutRows() const {
+    std::vector<Record> kept;
+    for (const Record& row : WithoutClockAndPaths(Header))
+      if (row[0].Text != "Vertical resolution: ") kept.push_back(row);
+    return kept;
   }
 };
 
@@ -446,16 +476,8 @@ void TestFrmCalib::chartStaysWhenTheToolIsActivatedFromIt() {
 
 // Every control a user can point at has a tool tip.
 void CheckToolTips(QWidget* window) {
-  for (QWidget* w : window->findChildren<QWidget*>()) {
-    if (w->objectName().isEmpty() || w->objectName().startsWith("qt_") || !w->isVisibleTo(window))
-      continue;
-    const bool control = qobject_cast<QAbstractButton*>(w) || qobject_cast<QAbstractSlider*>(w) ||
-                         qobject_cast<QComboBox*>(w) || qobject_cast<QAbstractSpinBox*>(w) ||
-                         qobject_cast<QLineEdit*>(w) || qobject_cast<PictureBox*>(w);
-    if (!control) continue;
-    QVERIFY2(!w->toolTip().isEmpty(),
-             qPrintable(window->objectName() + ": " + w->objectName() + " has no tool tip"));
-  }
+  const QStringList missing = uitest::WithoutToolTip(window, true);
+  QVERIFY2(missing.isEmpty(), qPrintable(missing.join(", ") + " without a tool tip"));
 }
 
 void TestFrmCalib::everyControlSaysWhatItDoesAndTheStatusLineTheNextStep() {
@@ -660,6 +682,9 @@ void TestFrmCalib::commonOutputSameFromToolChartAndBatch() {
 void TestFrmCalib::returnPaintsMatricesInReconstructionWindow() {
   Road r;
   frmMAT* m = r.mat;
+  // Square-root enhancement, as the independent run of the same calibration.
+  m->Check2->click();
+  m->Command3->click();
   QVERIFY(m->Command6->isEnabled());
   m->Command5->click();
   QCOMPARE(m->Command5->text(), QString("Hist: No"));
@@ -688,10 +713,53 @@ void TestFrmCalib::returnPaintsMatricesInReconstructionWindow() {
   QVERIFY(CountColour(m->Picture3->surface().Image(), RegionColour(false, 2)) > 0);
   m->Command5->click();
   QCOMPARE(m->Command5->text(), QString("Hist: Yes"));
-  const std::string ostrel = r.Save(m->mnuSaveOstrel, "ostrel.csv");
-  const std::string tamsek = r.Save(m->mnuSaveTamsek2, "tamsek.csv");
-  QVERIFY(ReadAll(QString::fromStdString(ostrel)).startsWith("\""));
-  QVERIFY(ReadAll(QString::fromStdString(tamsek)).size() > 1000);
+  // Both matrices handed back, read back from every save entry and set
+  // against the files of the independent run (the clock and the paths
+  // differ by nature). The calibration matrix is the same record by record.
+  const std::vector<Record> ostrelExpected =
+      WithoutClockAndPaths(Records(TestData("calibration/ik/calib-hist/ostrel.csv")));
+  QCOMPARE(Value(ostrelExpected, "Parameter"), QString("SumSST"));
+  for (QAction* entry : {m->mnuSaveOstrel, m->mnuSaveOstrel2}) {
+    const std::vector<Record> mine =
+        Records(QString::fromStdString(r.Save(entry, entry->objectName() + ".csv")));
+    const QString diff = Compare(WithoutClockAndPaths(mine), ostrelExpected);
+    QVERIFY2(diff.isEmpty(), qPrintable(entry->objectName() + ": " + diff));
+  }
+  // The matrix down the core has as many depth rows as the picture's shape
+  // gives (200 steps across its width): the same header lines but that
+  // count, the same bins, depths evenly from the core's top to its bottom,
+  // and at every depth both files hold, the same cells.
+  const MatrixFile expected(Records(TestData("calibration/ik/calib-hist/tamsek.csv")));
+  QCOMPARE(expected.Rows(), 494);
+  const int rows = int(std::floor(200.0 * m->Picture3->height() / m->Picture3->width()));
+  for (QAction* entry : {m->mnuSaveTamsek, m->mnuSaveTamsek2}) {
+    const MatrixFile mine(
+        Records(QString::fromStdString(r.Save(entry, entry->objectName() + ".csv"))));
+    const QString name = entry->objectName();
+    QVERIFY2(!mine.Body.empty(), qPrintable(name));
+    QString diff = Compare(mine.HeaderWithoutRows(), expected.HeaderWithoutRows());
+    QVERIFY2(diff.isEmpty(), qPrintable(name + " header: " + diff));
+    QCOMPARE(Value(mine.Header, "Vertical resolution: ").toInt(), rows);
+    QCOMPARE(mine.Rows(), rows);
+    diff = Compare({mine.Bins}, {expected.Bins});
+    QVERIFY2(diff.isEmpty(), qPrintable(name + " bins: " + diff));
+    const double top = 0, bottom = 1090;  // the example core's first and last depths
+    int shared = 0;
+    for (int row = 0; row <= rows; ++row) {
+      const Record& line = mine.Body[std::size_t(row)];
+      const double depth = std::round((top * (rows - row) + bottom * row) / rows * 10000) / 10000;
+      QVERIFY2(std::abs(line[0].Text.toDouble() - depth) < 1e-6, qPrintable(line[0].Text));
+      for (const Record& other : expected.Body) {
+        if (std::abs(other[0].Text.toDouble() - depth) > 1e-6) continue;
+        diff = Compare({line}, {other});
+        QVERIFY2(diff.isEmpty(), qPrintable(name + " at depth " + line[0].Text + ": " + diff));
+        ++shared;
+      }
+    }
+    // The depths both hold: the top, the bottom and those between where
+    // the two counts of rows meet.
+    QCOMPARE(shared, std::gcd(rows, expected.Rows()) + 1);
+  }
 }
 
 void TestFrmCalib::reconstructionSettingsDropTheMatrices() {

@@ -154,6 +154,7 @@ class TestFrmLuvane : public QObject {
   void windowStaysOnTheScreenWhenTheMapGrows();
   void accuracyWindowAndMagnifierDoNotCoverEachOther();
   void coastHoldsTheGreatLakes();
+  void everyControlOfTheToolSaysWhatItDoes();
 };
 
 void TestFrmLuvane::opensWithItsCaptionDefaultsAndButtonOrder() {
@@ -1308,6 +1309,38 @@ void TestFrmLuvane::coastHoldsTheGreatLakes() {
     for (int x = 0; x < m.Image().width(); ++x)
       if (m.Image().pixelColor(x, y) == kGrey) ++grey;
   QVERIFY(grey > 100);
+}
+
+// Every button, box, list and slider of the tool and of its other windows
+// carries a tool tip, from the first look to the accuracy check.
+void TestFrmLuvane::everyControlOfTheToolSaysWhatItDoes() {
+  Tool t;
+  auto check = [](QWidget* window, int least) {
+    int walked = 0;
+    const QStringList missing = uitest::WithoutToolTip(window, false, &walked);
+    QVERIFY2(missing.isEmpty(), qPrintable(missing.join(", ") + " without a tool tip"));
+    QVERIFY2(walked >= least, qPrintable(window->objectName() + ": too few controls walked"));
+  };
+  // Import, target, options, factor, radius, unit, the three buttons and the four bounds.
+  check(t.lv, 14);
+  QVERIFY(t.lv->Command2->toolTip().contains("needs"));
+  QVERIFY(t.lv->Command3->toolTip().contains("needs"));
+  QVERIFY(t.lv->Command1->toolTip().contains("needs"));
+  t.lv->mnuHelp->trigger();
+  check(t.lv->Help(), 0);
+  t.BothFiles();
+  check(t.lv, 14);
+  t.Click(t.sites[0].Lon, t.sites[0].Lat);
+  QVERIFY(t.lv->Magnifier() && t.lv->Magnifier()->isVisible());
+  check(t.lv->Magnifier(), 0);
+  t.lv->Command3->click();
+  frmLuvaneCorrel* c = t.lv->Correl();
+  QVERIFY(c && c->isVisible());
+  // The parameter and the two bounds of the axes.
+  check(c, 3);
+  // The captions stay as they were.
+  QCOMPARE(t.lv->Command4->text(), QString("Close"));
+  QCOMPARE(t.lv->Combo2->currentText(), QString("Degree"));
 }
 
 QTEST_MAIN(TestFrmLuvane)

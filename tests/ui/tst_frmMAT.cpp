@@ -22,6 +22,7 @@
 #include <cmath>
 #include <map>
 
+#include "RecordSupport.h"
 #include "UiSupport.h"
 #include "presentation/ReconstructionFigure.h"
 #include "reconstruction/ClimateImport.h"
@@ -37,10 +38,17 @@
 
 using namespace varnoth;
 using varnoth::uitest::BatchOnExamples;
+using varnoth::uitest::Compare;
 using varnoth::uitest::Example;
+using varnoth::uitest::Field;
 using varnoth::uitest::Inked;
 using varnoth::uitest::Near;
 using varnoth::uitest::ReadAll;
+using varnoth::uitest::Record;
+using varnoth::uitest::Records;
+using varnoth::uitest::TestData;
+using varnoth::uitest::Value;
+using varnoth::uitest::WithoutClockAndPaths;
 
 namespace {
 
@@ -179,71 +187,6 @@ struct Core {
   }
 };
 
-// The test's own reading of a written file: quoted records split into
-// fields, each remembering whether it stood in double quotes.
-struct Field {
-  QString Text;
-  bool Quoted = false;
-};
-using Record = std::vector<Field>;
-
-std::vector<Record> Records(const QString& path) {
-  std::vector<Record> records;
-  const QString text = QString::fromUtf8(ReadAll(path));
-  for (const QString& line : text.split("\r\n", Qt::SkipEmptyParts)) {
-    Record r;
-    int i = 0;
-    while (i <= line.size()) {
-      Field f;
-      if (i < line.size() && line[i] == '"') {
-        const int close = line.indexOf('"', i + 1);
-        f.Text = line.mid(i + 1, close - i - 1);
-        f.Quoted = true;
-        i = close + 1;
-      } else {
-        const int comma = line.indexOf(',', i);
-        f.Text = line.mid(i, comma < 0 ? -1 : comma - i);
-        i = comma < 0 ? static_cast<int>(line.size()) : comma;
-      }
-      r.push_back(f);
-      ++i;  // the comma
-    }
-    records.push_back(r);
-  }
-  return records;
-}
-
-// Whether two fields agree: texts exactly, numbers within a relative
-// tolerance (single precision by default).
-bool Agree(const Field& a, const Field& b, double tolerance = 2.5e-7) {
-  if (a.Quoted || b.Quoted) return a.Quoted == b.Quoted && a.Text == b.Text;
-  bool okA = false, okB = false;
-  const double x = a.Text.toDouble(&okA), y = b.Text.toDouble(&okB);
-  if (!okA || !okB) return false;
-  return std::abs(x - y) <= tolerance * std::max(std::abs(x), std::abs(y));
-}
-
-// The first disagreement between two files read as records, or empty.
-QString Compare(const std::vector<Record>& mine, const std::vector<Record>& expected,
-                double tolerance = 2.5e-7) {
-  if (mine.size() != expected.size())
-    return QString("%1 records, expected %2").arg(mine.size()).arg(expected.size());
-  for (std::size_t i = 0; i < mine.size(); ++i) {
-    if (mine[i].size() != expected[i].size())
-      return QString("record %1: %2 fields, expected %3")
-          .arg(i + 1)
-          .arg(mine[i].size())
-          .arg(expected[i].size());
-    for (std::size_t j = 0; j < mine[i].size(); ++j)
-      if (!Agree(mine[i][j], expected[i][j], tolerance))
-        return QString("record %1 field %2: %3, expected %4")
-            .arg(i + 1)
-            .arg(j + 1)
-            .arg(mine[i][j].Text, expected[i][j].Text);
-  }
-  return QString();
-}
-
 // The example fossil table with the samples at `rows` (1-based) set to zero.
 std::string FossilWithEmpty(uitest::MainFixture& f, std::initializer_list<int> rows) {
   QList<QByteArray> lines = ReadAll(QString::fromStdString(Example("fossil.csv"))).split('\n');
@@ -290,18 +233,6 @@ QString CorrelationOf(const QString& path) {
   return "R = " + QString::number(std::round(sxy / std::sqrt(sxx * syy) * 10000) / 10000, 'g', 6);
 }
 
-// The second field of the record whose first field is `key`.
-QString Value(const std::vector<Record>& records, const QString& key) {
-  for (const Record& r : records)
-    if (!r.empty() && r[0].Text == key && r.size() > 1) return r[1].Text;
-  return "(none)";
-}
-
-// Files kept with the tests.
-QString TestData(const QString& name) {
-  return QString(VARNOTH_EXAMPLES) + "/../../tests/data/" + name;
-}
-
 }  // namespace
 
 class TestFrmMAT : public QObject {
@@ -330,7 +261,7 @@ class TestFrmMAT : public QObject {
   void upDownWrapsAndCheck3FollowsDiagram();
   void colourChangeReachesCurve();
   void failureEndsAtBoundary();
-  void filesMatchBatchRunner();
+  void windowSavesAreTheBatchRunnersBytes();
   void unloadAndReopen();
   void quitClosesWindow();
   void smoothingDrawnTwoPixelsWide();
@@ -357,7 +288,7 @@ class TestFrmMAT : public QObject {
   void emptyEndSamplesPutHistogramOnCurveScale();
   void combo3ShowsAnEmptySelectedSample();
   void matrixFilesSayNoEnhancementAfterCheck2Off();
-  void windowFilesMatchIndependentResults();
+  void everySaveEntryMatchesIndependentResults();
   void correlationLabelReadsIndependentR();
   void ostrelAndTamsekReadBack();
   void analogueDetailsAfterInterpolationGiveFiveRecords();
@@ -839,7 +770,10 @@ void TestFrmMAT::failureEndsAtBoundary() {
   QVERIFY(Near(r.P1(), r.session.ReconValue(k, 1), CurvePosition(r.session, k), r.Curve(), 1));
 }
 
-void TestFrmMAT::filesMatchBatchRunner() {
+// Away from the defaults, every file the window saves is the batch
+// runner's file byte for byte; what the files hold is checked against the
+// independent results in everySaveEntryMatchesIndependentResults.
+void TestFrmMAT::windowSavesAreTheBatchRunnersBytes() {
   Road r;
   r.Climate();
   frmMAT* m = r.mat;
@@ -1470,21 +1404,57 @@ void TestFrmMAT::matrixFilesSayNoEnhancementAfterCheck2Off() {
   }
 }
 
-void TestFrmMAT::windowFilesMatchIndependentResults() {
+// Every save entry of the curves, the analogues and the scatter, from the
+// menu and from the pictures, read back and set against the independent
+// results at the window's defaults. The files of one parameter or without
+// the errors are the columns of the independent file of all parameters.
+void TestFrmMAT::everySaveEntryMatchesIndependentResults() {
   Road r;
   r.Climate();
   frmMAT* m = r.mat;
   m->Check5->click();
-  const std::string curves = r.Save(m->mnuSaveCurveAllVandE, "curves.csv");
-  QString diff =
-      Compare(Records(QString::fromStdString(curves)),
-              Records(TestData("reconstruction/expected/curve-all-with-error-default.csv")), 1e-9);
-  QVERIFY2(diff.isEmpty(), qPrintable(diff));
+  const std::vector<Record> all =
+      Records(TestData("reconstruction/expected/curve-all-with-error-default.csv"));
+  // Depth, then from, value and to for SumSST, WinSST and Salinity, then the
+  // number of analogues.
+  QCOMPARE(all[0].size(), std::size_t(11));
+  QCOMPARE(all[0][2].Text, QString("SumSST"));
+  auto columns = [&all](std::initializer_list<std::size_t> picked) {
+    std::vector<Record> out;
+    for (const Record& row : all) {
+      Record kept;
+      for (std::size_t c : picked) kept.push_back(row[c]);
+      out.push_back(kept);
+    }
+    return out;
+  };
+  const std::vector<Record> curve = columns({0, 2});
+  std::vector<Record> curveWithError = columns({0, 1, 2, 3, 10});
+  curveWithError[0][1].Text = "Error (from)";
+  curveWithError[0][3].Text = "Error (to)";
+  const std::vector<Record> curveAll = columns({0, 2, 5, 8});
+  const std::vector<Record> details =
+      Records(TestData("reconstruction/expected/analogue-details-default.csv"));
+  const std::pair<QAction*, const std::vector<Record>*> saves[] = {
+      {m->mnuSaveCurveVOnly, &curve},          {m->mnuSaveCurve2VOnly, &curve},
+      {m->mnuSaveCurveVandE, &curveWithError}, {m->mnuSaveCurve2VandE, &curveWithError},
+      {m->mnuSaveCurveAllVOnly, &curveAll},    {m->mnuSaveCurveAll2VOnly, &curveAll},
+      {m->mnuSaveCurveAllVandE, &all},         {m->mnuSaveCurveAll2VandE, &all},
+      {m->mnuSaveDistAna2, &details},          {m->mnuSaveDistAna, &details}};
+  for (const auto& [entry, expected] : saves) {
+    QVERIFY2(entry->isEnabled(), qPrintable(entry->objectName()));
+    const std::string path = r.Save(entry, entry->objectName() + ".csv");
+    const QString diff = Compare(Records(QString::fromStdString(path)), *expected, 1e-9);
+    QVERIFY2(diff.isEmpty(), qPrintable(entry->objectName() + ": " + diff));
+  }
   m->Command3->click();
-  const std::string scatter = r.Save(m->mnuSaveScatter2, "scatter.csv");
-  diff = Compare(Records(QString::fromStdString(scatter)),
-                 Records(TestData("reconstruction/expected/scatter-SumSST-default.csv")), 1e-9);
-  QVERIFY2(diff.isEmpty(), qPrintable(diff));
+  const std::vector<Record> scatter =
+      Records(TestData("reconstruction/expected/scatter-SumSST-default.csv"));
+  for (QAction* entry : {m->mnuSaveScatter, m->mnuSaveScatter2}) {
+    const std::string path = r.Save(entry, entry->objectName() + ".csv");
+    const QString diff = Compare(Records(QString::fromStdString(path)), scatter, 1e-9);
+    QVERIFY2(diff.isEmpty(), qPrintable(entry->objectName() + ": " + diff));
+  }
 }
 
 void TestFrmMAT::correlationLabelReadsIndependentR() {
@@ -1511,15 +1481,7 @@ void TestFrmMAT::ostrelAndTamsekReadBack() {
       Records(QString::fromStdString(r.Save(m->mnuSaveOstrel, "o.csv")));
   std::vector<Record> expected = Records(TestData("reconstruction/expected/ostrel-sqrt.csv"));
   // The clock and the paths differ by nature.
-  auto drop = [](std::vector<Record> rows) {
-    std::vector<Record> kept;
-    for (Record& row : rows)
-      if (row[0].Text != "Date/Time: " && row[0].Text != "Reference data file: " &&
-          row[0].Text != "Climate data file: ")
-        kept.push_back(row);
-    return kept;
-  };
-  QString diff = Compare(drop(ostrel), drop(expected));
+  QString diff = Compare(WithoutClockAndPaths(ostrel), WithoutClockAndPaths(expected));
   QVERIFY2(diff.isEmpty(), qPrintable(diff));
 
   // The histogram matrix: its header, its bins, its depths, its cells.
