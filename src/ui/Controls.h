@@ -3,11 +3,15 @@
 // its name as objectName, so that tests and bug reports can name it.
 #include <QAction>
 #include <QLabel>
+#include <QMainWindow>
 #include <QSignalBlocker>
 #include <QSlider>
+#include <QStatusBar>
 #include <QString>
+#include <QTimer>
 #include <QWidget>
 #include <algorithm>
+#include <functional>
 
 #include "ui/PictureBox.h"
 
@@ -25,6 +29,23 @@ inline QAction* Entry(QObject* parent, const QString& name, const QString& capti
 
 inline QLabel* Caption(QWidget* parent, const QString& name, const QString& text) {
   return Named(new QLabel(text, parent), name);
+}
+
+// The status line that names the next step. The stages move in several
+// windows at once (a calibration changes what the reconstruction offers), so
+// the line follows its window's reading of them wherever they moved.
+inline QLabel* NextStepLine(QMainWindow* window, std::function<QString()> next) {
+  auto* line = Named(new QLabel(window), "StatusNext");
+  window->statusBar()->setSizeGripEnabled(false);
+  window->statusBar()->addWidget(line, 1);
+  auto* follow = new QTimer(line);
+  QObject::connect(follow, &QTimer::timeout, line, [line, next] {
+    const QString text = next();
+    if (line->text() != text) line->setText(text);
+  });
+  follow->start(250);
+  line->setText(next());
+  return line;
 }
 
 // A horizontal slider stepping by one, with ticks below.

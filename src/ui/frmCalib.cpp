@@ -14,7 +14,6 @@
 #include <QPushButton>
 #include <QSlider>
 #include <QStatusBar>
-#include <QTimer>
 
 #include "calibration/PairSets.h"
 #include "state/Format.h"
@@ -80,6 +79,7 @@ frmCalib::frmCalib(Session& session, CalibState& calib, frmMAT& mat, ColourSetti
   BuildControls();
   BuildMenus();
   ConnectEvents();
+  StatusNext = NextStepLine(this, [this] { return NextStep(); });
   progress_.SetBar(ProgressBar1);
   connect(qApp, &QGuiApplication::focusWindowChanged, this, [this](QWindow* now) {
     if (now && now != windowHandle()) lastOther_ = now;
@@ -248,18 +248,8 @@ void frmCalib::BuildControls() {
   }
   StatusLabel = new QLabel("X: / Y: ");
   StatusLabel->setObjectName("StatusLabel");
-  StatusNext = new QLabel;
-  StatusNext->setObjectName("StatusNext");
-  statusBar()->setSizeGripEnabled(false);
-  statusBar()->addWidget(StatusNext, 1);
   statusBar()->addPermanentWidget(StatusLabel);
   StatusLabel->setMinimumWidth(300);
-  auto* follow = new QTimer(this);
-  connect(follow, &QTimer::timeout, this, [this] {
-    const QString next = NextStep();
-    if (StatusNext->text() != next) StatusNext->setText(next);
-  });
-  follow->start(250);
 }
 
 void frmCalib::BuildMenus() {

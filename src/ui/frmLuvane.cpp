@@ -18,7 +18,6 @@
 #include <QRadioButton>
 #include <QSlider>
 #include <QStatusBar>
-#include <QTimer>
 #include <QToolTip>
 #include <cmath>
 
@@ -100,17 +99,7 @@ frmLuvane::frmLuvane(Session& session, Dialogs& dialogs, frmMAT& mat, QWidget* p
   setWindowTitle("Luvane 1.1");
   setAttribute(Qt::WA_QuitOnClose, false);
   BuildControls();
-  StatusNext = new QLabel(this);
-  StatusNext->setObjectName("StatusNext");
-  statusBar()->setSizeGripEnabled(false);
-  statusBar()->addWidget(StatusNext, 1);
-  auto* follow = new QTimer(this);
-  connect(follow, &QTimer::timeout, this, [this] {
-    const QString next = NextStep();
-    if (StatusNext->text() != next) StatusNext->setText(next);
-  });
-  follow->start(250);
-  StatusNext->setText(NextStep());
+  StatusNext = NextStepLine(this, [this] { return NextStep(); });
 }
 
 QString frmLuvane::NextStep() const {

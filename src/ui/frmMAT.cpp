@@ -13,8 +13,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
-#include <QStatusBar>
-#include <QTimer>
 #include <algorithm>
 #include <climits>
 #include <tuple>
@@ -621,19 +619,7 @@ void frmMAT::closeEvent(QCloseEvent* event) {
 }
 
 void frmMAT::BuildStatusLine() {
-  StatusNext = new QLabel(this);
-  StatusNext->setObjectName("StatusNext");
-  statusBar()->setSizeGripEnabled(false);
-  statusBar()->addWidget(StatusNext, 1);
-  // The stages move in this window, the calibration tool and the
-  // interpolation tool alike: the line follows them wherever they moved.
-  auto* follow = new QTimer(this);
-  connect(follow, &QTimer::timeout, this, [this] {
-    const QString next = NextStep();
-    if (StatusNext->text() != next) StatusNext->setText(next);
-  });
-  follow->start(250);
-  StatusNext->setText(NextStep());
+  StatusNext = NextStepLine(this, [this] { return NextStep(); });
 }
 
 QString frmMAT::NextStep() const {
