@@ -18,6 +18,8 @@ void Correlate(Session& s, ScatterPairs& out, double sx, double sy) {
   const long n = static_cast<long>(out.Points.size());
   st.InterpPairCount = ToCount(static_cast<long long>(n));
   out.PairCountSet = true;
+  // Two values near the largest double overflow the plain sums already.
+  if (!std::isfinite(sx) || !std::isfinite(sy)) ThrowOverflow();
   out.MeanEstimate = Div(sx, static_cast<double>(n));
   out.MeanObserved = Div(sy, static_cast<double>(n));
   out.Counted = true;

@@ -215,3 +215,16 @@ TEST_F(AccuracyFixture, AHugeStationValueEndsInOverflowNotANaNCoefficient) {
   Given({1, 2, 3}, {1, 2, 4});
   EXPECT_FALSE(ScatterPairsPL(s).Failure);
 }
+
+// Two observed values near the largest double overflow the plain sums: the
+// count stands, but no mean is formed and the overflow is told.
+TEST_F(AccuracyFixture, SumsThatOverflowLeaveTheCountButNoMeans) {
+  Given({1, 2, 3, 4}, {1e308, 3.5, 1e308, 0.2});
+  ScatterPairs p = ScatterPairsPL(s);
+  EXPECT_TRUE(p.PairCountSet);
+  EXPECT_EQ(s.Interp.InterpPairCount, 4);
+  EXPECT_FALSE(p.Counted);
+  EXPECT_FALSE(p.Correlation);
+  ASSERT_TRUE(p.Failure);
+  EXPECT_EQ(*p.Failure, FailureKind::Overflow);
+}
