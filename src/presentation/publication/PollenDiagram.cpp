@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "presentation/publication/Axis.h"
+#include "presentation/publication/CoreDepthAxis.h"
 #include "presentation/publication/Figures.h"
 #include "presentation/publication/Tree.h"
 #include "state/Format.h"
@@ -132,26 +133,7 @@ Page PollenDiagramFigure(const Session& s, const PollenOptions& o) {
     return n <= 1 ? plotTop : plotTop + (pos - 10) / (10.0 * n - 10) * plotHeight;
   };
 
-  Axis depthAxis;
-  depthAxis.Where = Side::Left;
-  depthAxis.Scale = depth;
-  depthAxis.Title = o.DepthTitle.isEmpty()
-                        ? (text ? QStringLiteral("Sample") : QStringLiteral("Depth"))
-                        : o.DepthTitle;
-  if (text) {
-    // Every sample's label where it has room, at an even stride.
-    const double pitch = plotHeight / std::max<long>(1, n - 1);
-    const double need = Page::CapHeight(st.TextPt) + Page::Descent(st.TextPt) + 0.6;
-    const long stride = std::max<long>(1, static_cast<long>(std::ceil(need / pitch)));
-    for (long i = 1; i <= n; i += stride) {
-      depthAxis.TickValues.push_back(static_cast<double>(i));
-      depthAxis.TickTexts.push_back(QString::fromStdString(s.FossilLabels(i)));
-    }
-  } else {
-    const Ticks t = NiceTicks(std::min(d1, dn), std::max(d1, dn), narrow ? 8 : 10);
-    depthAxis.TickValues = t.Values;
-    depthAxis.Decimals = t.Decimals;
-  }
+  const Axis depthAxis = CoreDepthAxis(s, o.DepthTitle, depth, plotHeight, narrow, st);
   Page page(W, plotBottom + 20);
   const double plotLeft = st.MarginMm + AxisDepth(page, depthAxis, st);
 

@@ -5,6 +5,7 @@
 
 #include "diagram/DiagramLayout.h"
 #include "presentation/publication/Axis.h"
+#include "presentation/publication/CoreDepthAxis.h"
 #include "presentation/publication/Figures.h"
 #include "reconstruction/Curves.h"
 #include "state/Format.h"
@@ -124,25 +125,7 @@ Page ReconstructionFigure(Session& s, long p, const CurveOptions& o) {
   const LinearScale depth{d1, dn == d1 ? d1 + 1 : dn, plotTop, plotBottom};
   auto yOf = [&](long k) { return depth(depthOf(k)); };
 
-  Axis depthAxis;
-  depthAxis.Where = Side::Left;
-  depthAxis.Scale = depth;
-  depthAxis.Title = o.DepthTitle.isEmpty()
-                        ? (text ? QStringLiteral("Sample") : QStringLiteral("Depth"))
-                        : o.DepthTitle;
-  if (text) {
-    const double pitch = plotHeight / std::max<long>(1, n - 1);
-    const double need = Page::CapHeight(st.TextPt) + Page::Descent(st.TextPt) + 0.6;
-    const long stride = std::max<long>(1, static_cast<long>(std::ceil(need / pitch)));
-    for (long k = 1; k <= n; k += stride) {
-      depthAxis.TickValues.push_back(static_cast<double>(k));
-      depthAxis.TickTexts.push_back(QString::fromStdString(s.FossilLabels(k)));
-    }
-  } else {
-    const Ticks t = NiceTicks(std::min(d1, dn), std::max(d1, dn), narrow ? 8 : 10);
-    depthAxis.TickValues = t.Values;
-    depthAxis.Decimals = t.Decimals;
-  }
+  const Axis depthAxis = CoreDepthAxis(s, o.DepthTitle, depth, plotHeight, narrow, st);
   Page page(W, plotBottom + 20);
   const double plotLeft = st.MarginMm + AxisDepth(page, depthAxis, st) + 1.0;
   const double right = W - st.MarginMm - 2.0;
