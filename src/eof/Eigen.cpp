@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "eof/Kernels.h"
+#include "eof/PhaseTeam.h"
 #include "eof/ScoreKernel.h"
 #include "state/Finite.h"
 #include "state/Parallel.h"
@@ -145,8 +146,10 @@ void CrossProducts(const std::vector<double>& D, long rows, long n, std::vector<
   });
 }
 
-// Step 6 in one go: every cell as CorrelatePair or CovariancePair gives it.
-void BuildMatrix(Session& s, const Array2<double>& X) {
+}  // namespace
+
+// Every cell as CorrelatePair or CovariancePair gives it.
+void BuildEofMatrix(Session& s, const Array2<double>& X) {
   const long n = s.TaxaCount, m = s.BaseRowCount;
   if (s.UseCorrelation) {
     for (long i = 1; i <= n; ++i) s.EofMatrix(i, i) = 1;
@@ -187,146 +190,59 @@ void BuildMatrix(Session& s, const Array2<double>& X) {
   }
 }
 
-// Phases of the power iteration shared between the calling thread and one
-// helper: a phase is cut into parts that either thread claims. The caller
-// always works; the helper claims what it can while it runs, so a helper
-// that the machine has put aside costs at most the part it holds. When the
-// caller has waited long for such a part, it goes on alone for a growing
-// number of components before it tries again. Which thread does a part
-// never changes its numbers.
-class PhaseTeam {
- public:
-  PhaseTeam(long parts, std::function<void(long)> part) : parts_(parts), part_(std::move(part)) {
-    try {
-      if (parts_ > 1 && WorkerCount() > 1) {
-        helper_ = std::thread([this] { Help(); });
-        KeepOffThisCore(helper_);
-      }
-    } catch (const std::system_error&) {
-      // No thread to be had: the caller does every part.
-    }
-  }
-  ~PhaseTeam() {
-    if (!helper_.joinable()) return;
-    quit_.store(true, std::memory_order_release);
-    phase_.fetch_add(1, std::memory_order_release);
-    phase_.notify_one();
-    helper_.join();
-  }
-  // Whether component c may use the helper.
-  void StartComponent(long c) { shared_ = helper_.joinable() && c >= aloneUntil_; }
-  void Run() {
-    if (!shared_) {
-      for (long p = 0; p < parts_; ++p) part_(p);
-      return;
-    }
-    const std::uint64_t phase = ++phaseCount_;  // some thousands per analysis
-    done_.store(0, std::memory_order_relaxed);
-    claim_.store(phase << 32 | static_cast<std::uint64_t>(parts_), std::memory_order_release);
-    phase_.store(static_cast<std::uint32_t>(phase), std::memory_order_release);
-    phase_.notify_one();
-    Work(phase);
-    if (done_.load(std::memory_order_acquire) == parts_) return;
-    const auto start = std::chrono::steady_clock::now();
-    bool slow = false;
-    for (unsigned spins = 0; done_.load(std::memory_order_acquire) != parts_; ++spins) {
-      if (spins < 2000) {
-        Pause();
-      } else {
-        if (!slow && std::chrono::steady_clock::now() - start > std::chrono::microseconds(200))
-          slow = true;
-        std::this_thread::yield();
-      }
-    }
-    if (slow) {
-      shared_ = false;
-      aloneFor_ = std::min(aloneFor_ * 2, 256L);
-      aloneUntil_ = componentHint_ + aloneFor_;
-    }
-  }
-  void SetComponent(long c) { componentHint_ = c; }
-
- private:
-  static void Pause() {
-#if defined(__x86_64__) || defined(__i386__)
-    __builtin_ia32_pause();
-#endif
-  }
-  // Claims and does parts of `phase` until none is left: the caller from
-  // the front, the helper from the back, so that each part tends to stay
-  // in the cache of the core that did it last time.
-  void Work(std::uint64_t phase, bool fromBack = false) {
-    std::uint64_t x = claim_.load(std::memory_order_acquire);
-    for (;;) {
-      const std::uint64_t front = (x >> 16) & 0xFFFF, back = x & 0xFFFF;
-      if ((x >> 32) != phase || front >= back) return;
-      const std::uint64_t next = fromBack ? x - 1 : x + (1u << 16);
-      if (claim_.compare_exchange_weak(x, next, std::memory_order_acq_rel,
-                                       std::memory_order_acquire)) {
-        part_(static_cast<long>(fromBack ? back - 1 : front));
-        done_.fetch_add(1, std::memory_order_acq_rel);
-        x = claim_.load(std::memory_order_acquire);
-      }
-    }
-  }
-  void Help() {
-    std::uint32_t seen = 0;
-    for (;;) {
-      std::uint32_t now;
-      for (unsigned spins = 0; (now = phase_.load(std::memory_order_acquire)) == seen; ++spins) {
-        if (spins < 4000)
-          Pause();
-        else
-          phase_.wait(seen, std::memory_order_acquire);
-      }
-      seen = now;
-      if (quit_.load(std::memory_order_acquire)) return;
-      const std::uint64_t phase = claim_.load(std::memory_order_acquire) >> 32;
-      if (static_cast<std::uint32_t>(phase) == now) Work(phase, true);
-    }
-  }
-
-  const long parts_;
-  const std::function<void(long)> part_;
-  std::thread helper_;
-  // Phase number << 32 | first unclaimed part << 16 | one past the last.
-  std::atomic<std::uint64_t> claim_{0};
-  std::atomic<long> done_{0};
-  std::atomic<std::uint32_t> phase_{0};
-  std::atomic<bool> quit_{false};
-  std::uint32_t phaseCount_ = 0;
-  bool shared_ = false;
-  long aloneFor_ = 1, aloneUntil_ = 0, componentHint_ = 0;
-};
-
-// Power iteration for all components on a transposed copy of the matrix, so
-// that A v runs as column updates vectorised across rows while each w(r)
-// keeps its sum over k in index order. Parts of 32 rows are shared between
-// two threads; the norm is summed by the caller, in row order.
+// Power iteration for all components with the matrix in panels of rows, so
+// that A v runs as column updates vectorised across a panel's rows while
+// each w(r) keeps its sum over k in index order, and a panel is read from
+// memory in one stream. Panels are shared between two threads; the norm is
+// summed by the caller, in row order, starting on its own panels while the
+// helper finishes. The deflation by one component is done in the same pass
+// over a panel as the first product of the next.
 void PowerIterations(Session& s, Progress& progress) {
   const long n = s.EigenOrder;
   s.EigenWork.Require(n, n);
   s.EigenVectors.Require(n + 1, n);
-  const std::size_t nn = static_cast<std::size_t>(n);
-  std::vector<double> AT(nn * nn);  // AT[k * n + r] = A(r, k), 0-based
-  for (long r = 1; r <= n; ++r)
-    for (long k = 1; k <= n; ++k) AT[(k - 1) * nn + (r - 1)] = s.EigenWork(r, k);
-  std::vector<double> v(nn), w(nn), vs(nn);
-  double norm = 0;
+  const std::size_t nn = static_cast<std::size_t>(n), rows = kernels::kPanelRows;
+  const std::size_t panels = (nn + rows - 1) / rows;
+  // Panel p holds rows p * rows + 1.. of A, the last one as many rows as
+  // are left rounded up to a whole register (the rest zero):
+  // P[p * rows * n + k * height(p) + i] = A(p * rows + i + 1, k + 1).
+  auto quads = [&](std::size_t p) {
+    return std::min(kernels::kPanelQuads, (nn - p * rows + 3) / 4);
+  };
+  std::vector<double> P(panels * rows * nn, 0.0);
+  auto at = [&](std::size_t r, std::size_t k) -> double& {
+    const std::size_t p = r / rows;
+    return P[p * rows * nn + k * 4 * quads(p) + r % rows];
+  };
+  for (std::size_t r = 0; r < nn; ++r)
+    for (std::size_t k = 0; k < nn; ++k)
+      at(r, k) = s.EigenWork(static_cast<long>(r) + 1, static_cast<long>(k) + 1);
+  // Vectors padded to whole panels: v the one multiplied, old the component
+  // being deflated, scaled = old times its norm.
+  const std::size_t padded = panels * rows;
+  std::vector<double> v(padded, 0.0), w(padded, 0.0), old(padded, 0.0), scaled(padded, 0.0);
 
-  // Small matrices are not worth a second thread: one part of all rows.
-  const std::size_t kPart = n >= 128 ? 32 : nn;
-  bool deflate = false;  // what the next phase does
-  auto part = [&](long p) {
-    const std::size_t r0 = static_cast<std::size_t>(p) * kPart, r1 = std::min(nn, r0 + kPart);
-    if (!deflate) {
-      kernels::SumColumns(w.data(), AT.data(), nn, v.data(), nn, r0, r1);
-    } else {
-      for (std::size_t k = 0; k < nn; ++k)
-        kernels::SubtractScaled(AT.data() + k * nn + r0, vs.data() + r0, v[k], r1 - r0);
+  bool deflate = false;  // what the next phase does besides the products
+  // Small matrices are not worth a second thread: one part of all panels.
+  const std::size_t perPart = n >= 128 ? 1 : std::max<std::size_t>(panels, 1);
+  auto part = [&](long t) {
+    const std::size_t p0 = static_cast<std::size_t>(t) * perPart;
+    const std::size_t p1 = std::min(panels, p0 + perPart);
+    for (std::size_t p = p0; p < p1; ++p) {
+      double* panel = P.data() + p * rows * nn;
+      if (deflate)
+        kernels::DeflateAndSumPanel(w.data() + p * rows, panel, quads(p), scaled.data() + p * rows,
+                                    old.data(), v.data(), nn);
+      else
+        kernels::SumPanel(w.data() + p * rows, panel, quads(p), v.data(), nn);
     }
   };
-  PhaseTeam team(static_cast<long>((nn + kPart - 1) / kPart), part);
+  PhaseTeam team(static_cast<long>((panels + perPart - 1) / perPart), part);
+  double sq = 0, norm = 0;
+  std::size_t summed = 0;
+  auto sumSquares = [&](std::size_t upTo) {
+    for (; summed < upTo; ++summed) sq += w[summed] * w[summed];
+  };
   for (long c = 1; c <= n; ++c) {
     progress.Step(c);
     team.SetComponent(c);
@@ -334,26 +250,37 @@ void PowerIterations(Session& s, Progress& progress) {
     std::fill(v.begin(), v.end(), 0.0);
     v[0] = 1;
     for (int it = 0; it < 20; ++it) {
-      deflate = false;
-      team.Run();
-      double sq = 0;
-      for (std::size_t r = 0; r < nn; ++r) sq += w[r] * w[r];
+      deflate = c > 1 && it == 0;
+      sq = 0;
+      summed = 0;
+      team.Run([&](long done) {
+        sumSquares(std::min(nn, static_cast<std::size_t>(done) * perPart * rows));
+      });
+      sumSquares(nn);
       norm = std::sqrt(sq);
       if (norm == 0) {
         std::fill(v.begin(), v.end(), 0.0);
       } else {
         for (std::size_t r = 0; r < nn; ++r) v[r] = w[r] / norm;
       }
-      for (std::size_t r = 0; r < nn; ++r) vs[r] = v[r] * norm;
     }
-    deflate = true;
-    team.Run();
+    for (std::size_t r = 0; r < nn; ++r) scaled[r] = v[r] * norm;
+    std::copy(v.begin(), v.end(), old.begin());
     s.EigenVectors(n + 1, c) = norm;
     for (std::size_t r = 0; r < nn; ++r) s.EigenVectors(static_cast<long>(r) + 1, c) = v[r];
   }
-  for (long r = 1; r <= n; ++r)
-    for (long k = 1; k <= n; ++k) s.EigenWork(r, k) = AT[(k - 1) * nn + (r - 1)];
+  // The deflation by the last component, with products nobody reads.
+  if (n > 0) {
+    deflate = true;
+    std::fill(v.begin(), v.end(), 0.0);
+    team.Run();
+  }
+  for (std::size_t r = 0; r < nn; ++r)
+    for (std::size_t k = 0; k < nn; ++k)
+      s.EigenWork(static_cast<long>(r) + 1, static_cast<long>(k) + 1) = at(r, k);
 }
+
+namespace {
 
 // The three passes' sorts on the computed columns: column 0 carries over
 // from one pass to the next, columns 1..n start afresh each time.
@@ -573,7 +500,7 @@ void RunEofAnalysis(Session& s, Progress& progress) {
   // The three passes start from the same input and differ only in how the
   // sort treats column 0; the matrix and the iterations are done once.
   const Array2<double>& X = BaseTable(s);
-  BuildMatrix(s, X);
+  BuildEofMatrix(s, X);
   RequireFinite(s.EofMatrix);
   for (long i = 1; i <= n; ++i)
     for (long j = 1; j <= n; ++j) s.EigenWork(i, j) = s.EofMatrix(i, j);

@@ -24,6 +24,13 @@ void PowerEigen(Session& s, int pass, Progress& progress);
 // that ends in each place 0..n. Exposed for the tests.
 void SortComponents(Array2<double>& vectors, long n);
 
+// The stages of RunEofAnalysis that carry most of its arithmetic, exposed
+// for the benchmarks: EofMatrix from the base table `X`, and every
+// component of the left block of EigenWork (order EigenOrder) into
+// EigenVectors with the deflated matrix left in EigenWork, before the sort.
+void BuildEofMatrix(Session& s, const Array2<double>& X);
+void PowerIterations(Session& s, Progress& progress);
+
 // Steps after the eigenvectors, shared by every way of computing them.
 void ComputeLoadings(Session& s);
 void ComputeContributions(Session& s);

@@ -69,36 +69,67 @@ VARNOTH_CLONES void AddProducts4x8(const double* a, std::size_t aStepK, std::siz
 namespace varnoth::kernels {
 
 namespace {
-// Sums of 4 Q neighbouring r, from r on, in registers.
-template <int Q>
-inline __attribute__((always_inline)) void SumColumnBlock(double* w, const double* a,
-                                                          std::size_t stride, const double* v,
-                                                          std::size_t n, std::size_t r) {
-  Quad acc[Q] = {};
+// The sums of a panel of 4 Q rows, optionally after its deflation, in Q
+// registers of four: eight of them keep both adders busy past the latency
+// of an add.
+template <int Q, bool Deflate>
+inline __attribute__((always_inline)) void Panel(double* w, double* panel, const double* x,
+                                                 const double* a, const double* v, std::size_t n) {
+  Quad acc[Q] = {}, xs[Q] = {};
+  if (Deflate)
+    for (int q = 0; q < Q; ++q) __builtin_memcpy(&xs[q], x + 4 * q, sizeof(Quad));
   for (std::size_t k = 0; k < n; ++k) {
-    const double* row = a + k * stride + r;
-    const Quad x = {v[k], v[k], v[k], v[k]};
+    double* row = panel + k * 4 * Q;
+    const Quad vk = {v[k], v[k], v[k], v[k]};
+    Quad ak = {};
+    if (Deflate) ak = Quad{a[k], a[k], a[k], a[k]};
+#pragma GCC unroll 8
     for (int q = 0; q < Q; ++q) {
       Quad y;
       __builtin_memcpy(&y, row + 4 * q, sizeof y);
-      acc[q] += x * y;
+      if (Deflate) {
+        y = y - xs[q] * ak;
+        __builtin_memcpy(row + 4 * q, &y, sizeof y);
+      }
+      acc[q] += vk * y;
     }
   }
-  for (int q = 0; q < Q; ++q) __builtin_memcpy(w + r + 4 * q, &acc[q], sizeof(Quad));
+  for (int q = 0; q < Q; ++q) __builtin_memcpy(w + 4 * q, &acc[q], sizeof(Quad));
+}
+
+template <bool Deflate>
+inline __attribute__((always_inline)) void AnyPanel(double* w, double* panel, std::size_t quads,
+                                                    const double* x, const double* a,
+                                                    const double* v, std::size_t n) {
+  switch (quads) {
+    case 1:
+      return Panel<1, Deflate>(w, panel, x, a, v, n);
+    case 2:
+      return Panel<2, Deflate>(w, panel, x, a, v, n);
+    case 3:
+      return Panel<3, Deflate>(w, panel, x, a, v, n);
+    case 4:
+      return Panel<4, Deflate>(w, panel, x, a, v, n);
+    case 5:
+      return Panel<5, Deflate>(w, panel, x, a, v, n);
+    case 6:
+      return Panel<6, Deflate>(w, panel, x, a, v, n);
+    case 7:
+      return Panel<7, Deflate>(w, panel, x, a, v, n);
+    default:
+      return Panel<8, Deflate>(w, panel, x, a, v, n);
+  }
 }
 }  // namespace
 
-VARNOTH_CLONES void SumColumns(double* w, const double* a, std::size_t stride, const double* v,
-                               std::size_t n, std::size_t first, std::size_t last) {
-  std::size_t r = first;
-  // 32 sums at a time keep both adders busy past the latency of an add.
-  for (; r + 32 <= last; r += 32) SumColumnBlock<8>(w, a, stride, v, n, r);
-  for (; r + 16 <= last; r += 16) SumColumnBlock<4>(w, a, stride, v, n, r);
-  for (; r < last; ++r) {
-    double sum = 0;
-    for (std::size_t k = 0; k < n; ++k) sum += v[k] * a[k * stride + r];
-    w[r] = sum;
-  }
+VARNOTH_CLONES void SumPanel(double* w, const double* panel, std::size_t quads, const double* v,
+                             std::size_t n) {
+  AnyPanel<false>(w, const_cast<double*>(panel), quads, nullptr, nullptr, v, n);
+}
+
+VARNOTH_CLONES void DeflateAndSumPanel(double* w, double* panel, std::size_t quads, const double* x,
+                                       const double* a, const double* v, std::size_t n) {
+  AnyPanel<true>(w, panel, quads, x, a, v, n);
 }
 
 }  // namespace varnoth::kernels

@@ -30,10 +30,16 @@ void AddProducts4x8(const double* a, std::size_t aStepK, std::size_t aStepI, con
 
 namespace varnoth::kernels {
 
-// w[r] = sum over k = 0..n-1, in that order, of v[k] * a[k * stride + r],
-// for r in [first, last). Sums of 32 or 16 neighbouring r run side by side in
-// registers.
-void SumColumns(double* w, const double* a, std::size_t stride, const double* v, std::size_t n,
-                std::size_t first, std::size_t last);
+// A panel holds 4 `quads` rows of a matrix (quads 1 to kPanelQuads), column
+// after column: panel[k * 4 * quads + i] is row i of the panel in column k.
+constexpr std::size_t kPanelQuads = 8, kPanelRows = 4 * kPanelQuads;
+
+// w[i] = sum over k = 0..n-1, in that order, of v[k] * panel[k * 4 * quads + i],
+// for i < 4 * quads.
+void SumPanel(double* w, const double* panel, std::size_t quads, const double* v, std::size_t n);
+// First panel[k * 4 * quads + i] = panel[k * 4 * quads + i] - x[i] * a[k] for
+// every k and i, then the sums of SumPanel on the new panel.
+void DeflateAndSumPanel(double* w, double* panel, std::size_t quads, const double* x,
+                        const double* a, const double* v, std::size_t n);
 
 }  // namespace varnoth::kernels

@@ -147,6 +147,19 @@ TEST(Eigen, FastAnalysisEqualsLiteralOnAWideTable) {
   CompareWithLiteral(t, p);
 }
 
+// The power iteration holds the matrix in panels of 32 rows, the last one
+// only as high as the rows left (rounded up to 4): every height of that
+// last panel, on tables wide enough for the panels to be shared.
+TEST(Eigen, FastAnalysisEqualsLiteralForEveryHeightOfTheLastPanel) {
+  for (int taxa : {129, 131, 134, 138, 143, 147, 152, 160}) {
+    std::string t = MakeTable(taxa, 40, true, [](int i, int j) {
+      return static_cast<double>((i * 41 + j * 13 + (i * j) % 17) % 37) / 5;
+    });
+    SCOPED_TRACE(taxa);
+    CompareWithLiteral(t, PreTreatmentSettings{});
+  }
+}
+
 // More rows than the matrix sums take in one slice, and taxa that do not
 // fill the last panel of 8 columns.
 TEST(Eigen, FastAnalysisEqualsLiteralOnManyRows) {
