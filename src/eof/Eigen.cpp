@@ -108,7 +108,7 @@ std::vector<double> ColumnSums(const Array2<double>& X, long rows, long cols) {
 // memory in order. The rows go in slices small enough to stay in the
 // core's cache while all blocks of a task take their turn; each block
 // carries its sums from one slice to the next, which keeps the order.
-void CrossProducts(const std::vector<double>& D, long rows, long n, std::vector<double>& S) {
+void CrossProducts(const Storage<double>& D, long rows, long n, std::vector<double>& S) {
   const long panels = (n + 7) / 8;
   constexpr long kSlice = 256, kPanelsPerTask = 1;
   const long tasks = (panels + kPanelsPerTask - 1) / kPanelsPerTask;
@@ -164,8 +164,9 @@ void BuildEofMatrix(Session& s, const Array2<double>& X) {
   for (long j = 1; j <= n; ++j) mean[j] = Div(mean[j], divisor);
   const long stride = n + 1;
   const long panels = (n + 7) / 8;
-  // The centred columns in panels of 8 (zeros past column n).
-  std::vector<double> D(static_cast<std::size_t>(panels * m * 8), 0.0);
+  // The centred columns in panels of 8 (zeros past column n), in storage
+  // that comes zeroed.
+  Storage<double> D(static_cast<std::size_t>(panels * m * 8));
   ForRowSlices(m, [&](long r0, long r1) {
     for (long r = r0; r <= r1; ++r) {
       const double* x = X.Row(r, n);

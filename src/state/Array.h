@@ -13,12 +13,13 @@
 #include <vector>
 
 #include "state/Failure.h"
+#include "state/LargeMemory.h"
 
 namespace varnoth {
 
-// Storage that comes zeroed from calloc, so that a large array costs nothing
-// until its pages are written; plain element types are then not zeroed a
-// second time.
+// Storage that comes zeroed (from calloc, or for a large array straight from
+// the system on huge pages), so that an array costs nothing until its pages
+// are written; plain element types are then not zeroed a second time.
 template <typename T>
 struct ZeroAllocator {
   using value_type = T;
@@ -26,11 +27,17 @@ struct ZeroAllocator {
   template <typename U>
   ZeroAllocator(const ZeroAllocator<U>&) {}
   T* allocate(std::size_t n) {
+    if (n >= kLargeBlock / sizeof(T)) return static_cast<T*>(ZeroedLarge(n * sizeof(T)));
     void* p = std::calloc(n == 0 ? 1 : n, sizeof(T));
     if (!p) throw std::bad_alloc();
     return static_cast<T*>(p);
   }
-  void deallocate(T* p, std::size_t) { std::free(p); }
+  void deallocate(T* p, std::size_t n) {
+    if (n >= kLargeBlock / sizeof(T))
+      FreeLarge(p, n * sizeof(T));
+    else
+      std::free(p);
+  }
   template <typename U>
   void construct(U* p) {
     if constexpr (!std::is_trivially_default_constructible_v<U>) ::new (static_cast<void*>(p)) U();
@@ -53,9 +60,7 @@ inline std::size_t Extent(long upper) {
   if (upper < 0) ThrowSubscript();
   return static_cast<std::size_t>(upper) + 1;
 }
-inline bool Inside(long i, std::size_t extent) {
-  return static_cast<unsigned long>(i) < extent;
-}
+inline bool Inside(long i, std::size_t extent) { return static_cast<unsigned long>(i) < extent; }
 }  // namespace detail
 
 template <typename T>
