@@ -433,26 +433,23 @@ void ComputeContributions(Session& s) {
 void ComputeBaseScores(Session& s, const Array2<double>& X) {
   const long n = s.TaxaCount, m = s.BaseRowCount;
   X.Require(m, n);
-  // Data statistics per taxon, and the standardised table.
+  // Data statistics per taxon.
   std::vector<double> mean, dev;
   ColumnStatistics(X, m, n, mean, dev);
   for (long j = 1; j <= n; ++j) {
     s.ColumnMean(0, j) = mean[j];
     s.ColumnStd(0, j) = dev[j];
   }
-  Array2<double> Z(m, n);
-  ForRowSlices(m, [&](long r0, long r1) {
-    for (long r = r0; r <= r1; ++r) {
-      const double* x = X.Row(r, n);
-      double* z = Z.Row(r, n);
-      for (long j = 1; j <= n; ++j) z[j] = dev[j] == 0 ? 0 : (x[j] - mean[j]) / dev[j];
-    }
-  });
+  // The standardised table is never held: each value is worked out where it
+  // is needed, the same way each time, so the bits are those of a held table.
+  auto standardised = [&](const double* x, long j) {
+    return dev[j] == 0 ? 0 : (x[j] - mean[j]) / dev[j];
+  };
   std::vector<double> zsum(static_cast<std::size_t>(n + 1), 0.0);
   ForColumnGroups(n, [&](long j0, long j1) {
     for (long r = 1; r <= m; ++r) {
-      const double* z = Z.Row(r, n);
-      for (long j = j0; j <= j1; ++j) zsum[j] += z[j];
+      const double* x = X.Row(r, n);
+      for (long j = j0; j <= j1; ++j) zsum[j] += standardised(x, j);
     }
   });
   for (long j = 1; j <= n; ++j) s.ColumnMean(1, j) = Div(zsum[j], m);
@@ -461,7 +458,13 @@ void ComputeBaseScores(Session& s, const Array2<double>& X) {
   Array2<double>& scores = s.ReferenceIsBase ? s.RefScores : s.FossilScores;
   std::vector<double> centre(static_cast<std::size_t>(n + 1));
   for (long j = 1; j <= n; ++j) centre[j] = s.ColumnMean(1, j);
-  ProjectRows(Z, m, n, centre, s.EigenVectors, raw);
+  ScoreRows(
+      m, n,
+      [&](long r, double* c) {
+        const double* x = X.Row(r, n);
+        for (long j = 1; j <= n; ++j) c[j - 1] = standardised(x, j) - centre[j];
+      },
+      s.EigenVectors, raw);
   scores.Require(m, n);
   std::vector<double> mu, sd;
   ColumnStatistics(raw, m, n, mu, sd);

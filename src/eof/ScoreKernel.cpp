@@ -10,9 +10,21 @@ namespace varnoth {
 void ProjectRows(const Array2<double>& Z, long rows, long n, const std::vector<double>& centre,
                  const Array2<double>& E, Array2<double>& raw) {
   Z.Require(rows, n);
+  const std::size_t zStride = Z.Cols();
+  ScoreRows(
+      rows, n,
+      [&](long i, double* c) {
+        const double* z = Z.Data() + static_cast<std::size_t>(i) * zStride;
+        for (long j = 1; j <= n; ++j) c[j - 1] = z[j] - centre[j];
+      },
+      E, raw);
+}
+
+void ScoreRows(long rows, long n, const std::function<void(long, double*)>& centred,
+               const Array2<double>& E, Array2<double>& raw) {
   E.Require(n, n);
   raw.Require(rows, n);
-  const std::size_t zStride = Z.Cols(), rStride = raw.Cols();
+  const std::size_t rStride = raw.Cols();
   // The eigenvectors in panels of 8 columns, row j of panel p at
   // Ep[(p * n + j - 1) * 8]: a panel (n x 8) stays in the first-level cache
   // while a slice of rows is scored against it.
@@ -30,11 +42,8 @@ void ProjectRows(const Array2<double>& Z, long rows, long n, const std::vector<d
     const long count = last - first + 1, blocks = (count + 3) / 4;
     // The centred rows, padded with zero rows to whole blocks of 4.
     std::vector<double> zc(static_cast<std::size_t>(blocks * 4) * un, 0.0);
-    for (long k = 0; k < count; ++k) {
-      const double* z = Z.Data() + static_cast<std::size_t>(first + k) * zStride;
-      double* c = zc.data() + static_cast<std::size_t>(k) * un;
-      for (long j = 1; j <= n; ++j) c[j - 1] = z[j] - centre[j];
-    }
+    for (long k = 0; k < count; ++k)
+      centred(first + k, zc.data() + static_cast<std::size_t>(k) * un);
     double out[32];
     for (long p = 0; p < panels; ++p) {
       const double* panel = Ep.data() + static_cast<std::size_t>(p) * un * 8;
