@@ -247,10 +247,11 @@ void RunImport(Session& s, const Target& t, const std::optional<std::string>& pa
   // Rows. The names stand in the buffer's first n + 1 cells.
   Array1<std::string> labels(kRowUpper);
   ValueRows values(n);
-  // Room for the rows the file size suggests, judged by the cells so far.
-  const double bytesPerCell = static_cast<double>(in.Position()) / static_cast<double>(2 * k - 3);
-  double estimate = static_cast<double>(in.Length()) / (bytesPerCell * (n + 1)) * 1.1 + 8;
-  const long expected = estimate < kRowUpper ? static_cast<long>(estimate) : kRowUpper;
+  // Room for as many rows as the rest of the file can hold, a cell being at
+  // least a character and its separator: the rows are then never moved, and
+  // room that no row takes is never touched, so it costs no memory.
+  const double most = static_cast<double>(in.Length() - in.Position()) / (2.0 * (n + 1)) + 8;
+  const long expected = most < kRowUpper ? static_cast<long>(most) : kRowUpper;
   values.Reserve(expected);
   Count& rows = *t.rowCount;
   rows = 0;
