@@ -2,7 +2,10 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
+#include <mutex>
 #include <new>
+#include <vector>
 
 #if defined(__linux__)
 #include <sys/mman.h>
@@ -18,8 +21,71 @@ std::size_t Rounded(std::size_t bytes) { return (bytes + kHugePage - 1) / kHugeP
 
 #if defined(__linux__)
 
+namespace {
+
+// Blocks given back are kept for a while: an analysis run again, or a table
+// freed while another of its size is made, then reuses memory whose pages
+// are already there, and zeroing them costs a fraction of the system's
+// faulting in fresh ones. Blocks the cache has no room for go back to the
+// system.
+class BlockCache {
+ public:
+  // A kept block of exactly `size` bytes, or nullptr.
+  void* Take(std::size_t size) {
+    std::lock_guard lock(mutex_);
+    for (std::size_t i = 0; i < kept_.size(); ++i)
+      if (kept_[i].Size == size) {
+        void* p = kept_[i].Start;
+        kept_.erase(kept_.begin() + static_cast<std::ptrdiff_t>(i));
+        held_ -= size;
+        return p;
+      }
+    return nullptr;
+  }
+  // Keeps the block unless that would hold too much; the oldest goes first.
+  bool Keep(void* p, std::size_t size) {
+    if (size > kMostHeld) return false;
+    std::vector<Block> gone;
+    {
+      std::lock_guard lock(mutex_);
+      while (!kept_.empty() && (held_ + size > kMostHeld || kept_.size() >= kMostBlocks)) {
+        gone.push_back(kept_.front());
+        held_ -= kept_.front().Size;
+        kept_.erase(kept_.begin());
+      }
+      kept_.push_back({p, size});
+      held_ += size;
+    }
+    for (const Block& b : gone) ::munmap(b.Start, b.Size);
+    return true;
+  }
+
+ private:
+  struct Block {
+    void* Start;
+    std::size_t Size;
+  };
+  static constexpr std::size_t kMostHeld = std::size_t{256} << 20;
+  static constexpr std::size_t kMostBlocks = 8;
+  std::mutex mutex_;
+  std::vector<Block> kept_;
+  std::size_t held_ = 0;
+};
+
+// Never destroyed: blocks may be given back while the program ends.
+BlockCache& Cache() {
+  static BlockCache* cache = new BlockCache;
+  return *cache;
+}
+
+}  // namespace
+
 void* ZeroedLarge(std::size_t bytes) {
   const std::size_t size = Rounded(bytes);
+  if (void* kept = Cache().Take(size)) {
+    std::memset(kept, 0, bytes);
+    return kept;
+  }
   // Anonymous memory comes zeroed. One huge page more than asked for, so
   // that a 2 MB boundary lies inside; the ends around it are given back.
   void* mapped =
@@ -36,7 +102,14 @@ void* ZeroedLarge(std::size_t bytes) {
 }
 
 void FreeLarge(void* p, std::size_t bytes) noexcept {
-  if (p) ::munmap(p, Rounded(bytes));
+  if (!p) return;
+  const std::size_t size = Rounded(bytes);
+  try {
+    if (Cache().Keep(p, size)) return;
+  } catch (...) {
+    // No room to note it: it goes back at once.
+  }
+  ::munmap(p, size);
 }
 
 #else

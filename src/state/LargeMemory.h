@@ -10,8 +10,9 @@ constexpr std::size_t kLargeBlock = std::size_t{4} << 20;
 // A zeroed block of `bytes` (at least kLargeBlock) that starts on a 2 MB
 // boundary and asks for huge pages: the first writes to an array of tens of
 // megabytes then cost a few page faults instead of one every 4 KB, and its
-// reads miss the address cache far less. Throws std::bad_alloc when the
-// system has no memory for it.
+// reads miss the address cache far less. A block of the same size given
+// back shortly before is used again, zeroed here. Throws std::bad_alloc when
+// the system has no memory for it.
 void* ZeroedLarge(std::size_t bytes);
 // Gives back a block of ZeroedLarge with the same `bytes`.
 void FreeLarge(void* p, std::size_t bytes) noexcept;

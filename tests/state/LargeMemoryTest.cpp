@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
+#include <utility>
+#include <vector>
 
 #include "state/Array.h"
 #include "state/LargeMemory.h"
@@ -39,6 +42,32 @@ TEST(LargeMemory, ALargeArrayStartsAtZeroAfterAnotherWasFreed) {
   for (long i = 0; i <= kLargeRows; ++i)
     for (long j = 0; j <= kLargeCols; ++j) sum += b(i, j);
   EXPECT_EQ(sum, 0);
+}
+
+// Freed blocks are kept for reuse, some of them at a time: whichever block
+// a request gets, every byte it asked for is zero.
+TEST(LargeMemory, BlocksOfManySizesComeZeroedWhateverWasFreedBefore) {
+  const std::size_t sizes[] = {kLargeBlock, kLargeBlock + 1, 3 * kLargeBlock - 7,
+                               5 * kLargeBlock / 2, 9 * kLargeBlock};
+  std::vector<std::pair<unsigned char*, std::size_t>> live;
+  for (int round = 0; round < 40; ++round) {
+    const std::size_t bytes = sizes[(round * 7) % 5];
+    auto* p = static_cast<unsigned char*>(ZeroedLarge(bytes));
+    std::size_t nonzero = 0;
+    for (std::size_t i = 0; i < bytes; i += 509) nonzero += p[i] != 0;
+    nonzero += p[bytes - 1] != 0;
+    ASSERT_EQ(nonzero, 0u) << "round " << round << ", " << bytes << " bytes";
+    std::memset(p, 0xA5, bytes);
+    live.emplace_back(p, bytes);
+    // Give back all but the newest now and then, in another order.
+    if (round % 3 == 2) {
+      while (live.size() > 1) {
+        FreeLarge(live.front().first, live.front().second);
+        live.erase(live.begin());
+      }
+    }
+  }
+  for (auto& [p, bytes] : live) FreeLarge(p, bytes);
 }
 
 TEST(LargeMemory, APreservedResizeAcrossTheLargeSizeKeepsTheCells) {
