@@ -206,7 +206,7 @@ void PowerIterations(Session& s, Progress& progress) {
   const std::size_t panels = (nn + rows - 1) / rows;
   // Panel p holds rows p * rows + 1.. of A, the last one as many rows as
   // are left rounded up to a whole register (the rest zero):
-  // P[p * rows * n + k * height(p) + i] = A(p * rows + i + 1, k + 1).
+  // P[p * rows * n + k * 4 * quads(p) + i] = A(p * rows + i + 1, k + 1).
   auto quads = [&](std::size_t p) {
     return std::min(kernels::kPanelQuads, (nn - p * rows + 3) / 4);
   };
