@@ -249,7 +249,7 @@ void RunImport(Session& s, const Target& t, const std::optional<std::string>& pa
   ValueRows values(n);
   // Room for as many rows as the rest of the file can hold, a cell being at
   // least a character and its separator: the rows are then never moved, and
-  // room that no row takes is never touched, so it costs no memory.
+  // room that no row takes costs next to nothing.
   const double most = static_cast<double>(in.Length() - in.Position()) / (2.0 * (n + 1)) + 8;
   const long expected = most < kRowUpper ? static_cast<long>(most) : kRowUpper;
   values.Reserve(expected);
