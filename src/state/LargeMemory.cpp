@@ -80,14 +80,11 @@ BlockCache& Cache() {
 
 }  // namespace
 
-void* ZeroedLarge(std::size_t bytes) {
-  const std::size_t size = Rounded(bytes);
-  if (void* kept = Cache().Take(size)) {
-    std::memset(kept, 0, bytes);
-    return kept;
-  }
-  // Anonymous memory comes zeroed. One huge page more than asked for, so
-  // that a 2 MB boundary lies inside; the ends around it are given back.
+namespace {
+
+// Anonymous memory comes zeroed. One huge page more than asked for, so that
+// a 2 MB boundary lies inside; the ends around it are given back.
+void* FreshBlock(std::size_t size) {
   void* mapped =
       ::mmap(nullptr, size + kHugePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (mapped == MAP_FAILED) throw std::bad_alloc();
@@ -99,6 +96,23 @@ void* ZeroedLarge(std::size_t bytes) {
   void* p = reinterpret_cast<void*>(aligned);
   ::madvise(p, size, MADV_HUGEPAGE);
   return p;
+}
+
+}  // namespace
+
+void* ZeroedLarge(std::size_t bytes) {
+  const std::size_t size = Rounded(bytes);
+  if (void* kept = Cache().Take(size)) {
+    std::memset(kept, 0, bytes);
+    return kept;
+  }
+  return FreshBlock(size);
+}
+
+void* LargeBlock(std::size_t bytes) {
+  const std::size_t size = Rounded(bytes);
+  if (void* kept = Cache().Take(size)) return kept;
+  return FreshBlock(size);
 }
 
 void FreeLarge(void* p, std::size_t bytes) noexcept {
@@ -116,6 +130,12 @@ void FreeLarge(void* p, std::size_t bytes) noexcept {
 
 void* ZeroedLarge(std::size_t bytes) {
   void* p = std::calloc(bytes, 1);
+  if (!p) throw std::bad_alloc();
+  return p;
+}
+
+void* LargeBlock(std::size_t bytes) {
+  void* p = std::malloc(bytes);
   if (!p) throw std::bad_alloc();
   return p;
 }

@@ -14,7 +14,10 @@ constexpr std::size_t kLargeBlock = std::size_t{4} << 20;
 // back shortly before is used again, zeroed here. Throws std::bad_alloc when
 // the system has no memory for it.
 void* ZeroedLarge(std::size_t bytes);
-// Gives back a block of ZeroedLarge with the same `bytes`.
+// The same without the zeroing, for a buffer that is written before it is
+// read: a block given back shortly before is used again as it stands.
+void* LargeBlock(std::size_t bytes);
+// Gives back a block of ZeroedLarge or LargeBlock with the same `bytes`.
 void FreeLarge(void* p, std::size_t bytes) noexcept;
 
 }  // namespace varnoth

@@ -1,7 +1,6 @@
 #include "state/RecordWriter.h"
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,6 +18,7 @@
 
 #include "state/Failure.h"
 #include "state/Format.h"
+#include "state/LargeMemory.h"
 #include "state/Parallel.h"
 
 namespace varnoth {
@@ -29,14 +29,12 @@ constexpr std::size_t kHugePage = std::size_t{2} << 20;
 
 // Not value-initialised: the pages are first touched when written. A large
 // buffer starts on a 2 MB boundary and asks for huge pages: a few page
-// faults while a score file is put into text, instead of one every 4 KB.
+// faults while a score file is put into text, instead of one every 4 KB;
+// and the buffer of a file written shortly before is used again.
 char* Allocate(std::size_t& bytes) {
   if (bytes >= kHugePage) {
     bytes = (bytes + kHugePage - 1) / kHugePage * kHugePage;
-    if (void* p = std::aligned_alloc(kHugePage, bytes)) {
-      ::madvise(p, bytes, MADV_HUGEPAGE);
-      return static_cast<char*>(p);
-    }
+    return static_cast<char*>(LargeBlock(bytes));
   }
   char* p = static_cast<char*>(std::malloc(bytes));
   if (!p) throw std::bad_alloc();
@@ -45,11 +43,16 @@ char* Allocate(std::size_t& bytes) {
 
 }  // namespace
 
-void RecordWriter::Free::operator()(char* p) const noexcept { std::free(p); }
+void RecordWriter::Free::operator()(char* p) const noexcept {
+  if (bytes >= kHugePage)
+    FreeLarge(p, bytes);
+  else
+    std::free(p);
+}
 
 void RecordWriter::Grow(std::size_t bytes) {
   std::size_t capacity = std::max({std::size_t{4096}, 2 * capacity_, size_ + bytes});
-  std::unique_ptr<char[], Free> data(Allocate(capacity));
+  std::unique_ptr<char[], Free> data(Allocate(capacity), Free{capacity});
   if (size_ > 0) std::memcpy(data.get(), data_.get(), size_);
   data_ = std::move(data);
   capacity_ = capacity;

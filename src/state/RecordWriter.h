@@ -66,6 +66,7 @@ class RecordWriter {
   // The records are the first size_ bytes; the rest, up to capacity_, is
   // room to write in, left untouched until it is written.
   struct Free {
+    std::size_t bytes;  // of the buffer (zero when none): a large one goes back for reuse
     void operator()(char* p) const noexcept;
   };
   std::unique_ptr<char[], Free> data_;

@@ -244,3 +244,39 @@ TEST(RecordWriter, AMovedFromWriterIsEmptyAndWritesAgain) {
   c = std::move(a);
   EXPECT_EQ(c.Content(), "2,0.25,-3\r\n");
 }
+
+// A writer past 2 MB takes a buffer that an earlier large writer may have
+// given back with its text still in it: what it holds is only what it wrote,
+// through growing, copying and moving.
+TEST(RecordWriter, ALargeWriterHoldsOnlyItsOwnTextWhenItsBufferIsReused) {
+  auto write = [](RecordWriter& w, std::string& expected, long rows, int seed) {
+    for (long i = 0; i < rows; ++i) {
+      const std::string name = "Site " + std::to_string(i * seed);
+      w.Text(name);
+      expected += "\"" + name + "\"";
+      for (int c = 0; c < 40; ++c) {
+        const long long v = (i * 7919 + c * 104729LL) % 1000003 * seed;
+        w.Integer(v);
+        expected += "," + std::to_string(v);
+      }
+      w.End();
+      expected += "\r\n";
+    }
+  };
+  for (int round = 1; round <= 3; ++round) {
+    RecordWriter grown;  // grows through several large buffers
+    std::string expected;
+    write(grown, expected, 12000 * round, round);
+    ASSERT_GT(expected.size(), std::size_t{2} << 20);
+    EXPECT_TRUE(grown.Content() == expected) << "round " << round;
+    RecordWriter reserved;  // one large buffer, filled part of the way
+    reserved.Reserve(expected.size() * 2);
+    std::string again;
+    write(reserved, again, 12000 * round, round + 10);
+    EXPECT_TRUE(reserved.Content() == again) << "round " << round;
+    RecordWriter copy(reserved);
+    EXPECT_TRUE(copy.Content() == again);
+    RecordWriter moved(std::move(grown));
+    EXPECT_TRUE(moved.Content() == expected);
+  }
+}
