@@ -1,7 +1,6 @@
 #include "state/CellReader.h"
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,6 +12,7 @@
 
 #include "state/Failure.h"
 #include "state/Format.h"
+#include "state/LargeMemory.h"
 
 namespace varnoth {
 
@@ -40,29 +40,7 @@ void CellReader::SkipByteOrderMark() {
   if (size_ >= 3 && std::string_view(data_, 3) == "\xEF\xBB\xBF") pos_ = 3;
 }
 
-namespace {
-
-constexpr std::size_t kHugePage = std::size_t{2} << 20;
-
-// A large buffer starts on a 2 MB boundary and asks for huge pages, which
-// the system then gives it on request: a few page faults while the file is
-// read in, instead of one for every 4 KB.
-char* Allocate(std::size_t bytes) {
-  if (bytes >= kHugePage) {
-    const std::size_t rounded = (bytes + kHugePage - 1) / kHugePage * kHugePage;
-    if (void* p = std::aligned_alloc(kHugePage, rounded)) {
-      ::madvise(p, rounded, MADV_HUGEPAGE);
-      return static_cast<char*>(p);
-    }
-  }
-  char* p = static_cast<char*>(std::malloc(bytes));
-  if (!p) throw std::bad_alloc();
-  return p;
-}
-
-}  // namespace
-
-void CellReader::Release::operator()(char* p) const noexcept { std::free(p); }
+void CellReader::Release::operator()(char* p) const noexcept { FreeTextBuffer(p, bytes); }
 
 CellReader CellReader::FromFile(const std::string& path) {
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -80,23 +58,26 @@ CellReader CellReader::FromFile(const std::string& path) {
     capacity = static_cast<std::size_t>(info.st_size) + 1;  // + 1 sees the end at once
   // A file larger than memory (or an endless device) is the system's
   // "Out of memory", not an abort.
-  auto allocate = [&](std::size_t bytes) {
+  // A large buffer starts on a 2 MB boundary on huge pages: a few page
+  // faults while the file is read in, instead of one for every 4 KB.
+  auto allocate = [&](std::size_t& bytes) {
     try {
-      return Allocate(bytes);
+      return std::unique_ptr<char, Release>(TextBuffer(bytes), Release{bytes});
     } catch (const std::bad_alloc&) {
       throw RuntimeFailure(FailureKind::OutOfMemory, path);
     }
   };
-  std::unique_ptr<char, Release> buffer(allocate(capacity));
+  std::unique_ptr<char, Release> buffer = allocate(capacity);
   std::size_t have = 0;
   for (;;) {
     if (have == capacity) {
       // More than the size said (a file still growing, or a pipe).
       if (capacity > SIZE_MAX / 4) throw RuntimeFailure(FailureKind::OutOfMemory, path);
-      std::unique_ptr<char, Release> larger(allocate(capacity * 2));
-      std::memcpy(larger.get(), buffer.get(), have);
-      buffer = std::move(larger);
-      capacity *= 2;
+      std::size_t larger = capacity * 2;
+      std::unique_ptr<char, Release> grown = allocate(larger);
+      std::memcpy(grown.get(), buffer.get(), have);
+      buffer = std::move(grown);
+      capacity = larger;
     }
     ssize_t got = ::read(fd, buffer.get() + have, capacity - have);
     if (got < 0 && errno == EINTR) continue;

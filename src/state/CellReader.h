@@ -42,6 +42,7 @@ class CellReader {
   void SkipByteOrderMark();
 
   struct Release {
+    std::size_t bytes;  // of the buffer (zero when none): a large one goes back for reuse
     void operator()(char* p) const noexcept;
   };
   std::string owned_;                      // content given as text

@@ -14,8 +14,6 @@
 namespace varnoth {
 
 namespace {
-constexpr std::size_t kHugePage = std::size_t{2} << 20;
-
 std::size_t Rounded(std::size_t bytes) { return (bytes + kHugePage - 1) / kHugePage * kHugePage; }
 }  // namespace
 
@@ -143,5 +141,22 @@ void* LargeBlock(std::size_t bytes) {
 void FreeLarge(void* p, std::size_t) noexcept { std::free(p); }
 
 #endif
+
+char* TextBuffer(std::size_t& bytes) {
+  if (bytes >= kHugePage) {
+    bytes = Rounded(bytes);
+    return static_cast<char*>(LargeBlock(bytes));
+  }
+  char* p = static_cast<char*>(std::malloc(bytes));
+  if (!p) throw std::bad_alloc();
+  return p;
+}
+
+void FreeTextBuffer(char* p, std::size_t bytes) noexcept {
+  if (bytes >= kHugePage)
+    FreeLarge(p, bytes);
+  else
+    std::free(p);
+}
 
 }  // namespace varnoth

@@ -6,6 +6,7 @@ namespace varnoth {
 
 // Blocks of this size or more come from ZeroedLarge; smaller ones from calloc.
 constexpr std::size_t kLargeBlock = std::size_t{4} << 20;
+constexpr std::size_t kHugePage = std::size_t{2} << 20;
 
 // A zeroed block of `bytes` (at least kLargeBlock) that starts on a 2 MB
 // boundary and asks for huge pages: the first writes to an array of tens of
@@ -19,5 +20,13 @@ void* ZeroedLarge(std::size_t bytes);
 void* LargeBlock(std::size_t bytes);
 // Gives back a block of ZeroedLarge or LargeBlock with the same `bytes`.
 void FreeLarge(void* p, std::size_t bytes) noexcept;
+
+// A buffer of at least `bytes`, not initialised, for text read or written:
+// from LargeBlock from one huge page on, when `bytes` is rounded up to whole
+// huge pages (all of them usable), and from malloc below. Throws
+// std::bad_alloc when the system has no memory for it.
+char* TextBuffer(std::size_t& bytes);
+// Gives back a buffer of TextBuffer with the `bytes` it returned.
+void FreeTextBuffer(char* p, std::size_t bytes) noexcept;
 
 }  // namespace varnoth

@@ -23,36 +23,11 @@
 
 namespace varnoth {
 
-namespace {
-
-constexpr std::size_t kHugePage = std::size_t{2} << 20;
-
-// Not value-initialised: the pages are first touched when written. A large
-// buffer starts on a 2 MB boundary and asks for huge pages: a few page
-// faults while a score file is put into text, instead of one every 4 KB;
-// and the buffer of a file written shortly before is used again.
-char* Allocate(std::size_t& bytes) {
-  if (bytes >= kHugePage) {
-    bytes = (bytes + kHugePage - 1) / kHugePage * kHugePage;
-    return static_cast<char*>(LargeBlock(bytes));
-  }
-  char* p = static_cast<char*>(std::malloc(bytes));
-  if (!p) throw std::bad_alloc();
-  return p;
-}
-
-}  // namespace
-
-void RecordWriter::Free::operator()(char* p) const noexcept {
-  if (bytes >= kHugePage)
-    FreeLarge(p, bytes);
-  else
-    std::free(p);
-}
+void RecordWriter::Free::operator()(char* p) const noexcept { FreeTextBuffer(p, bytes); }
 
 void RecordWriter::Grow(std::size_t bytes) {
   std::size_t capacity = std::max({std::size_t{4096}, 2 * capacity_, size_ + bytes});
-  std::unique_ptr<char[], Free> data(Allocate(capacity), Free{capacity});
+  std::unique_ptr<char[], Free> data(TextBuffer(capacity), Free{capacity});
   if (size_ > 0) std::memcpy(data.get(), data_.get(), size_);
   data_ = std::move(data);
   capacity_ = capacity;
