@@ -1,16 +1,10 @@
 #include "eof/Eigen.h"
 
-#include <atomic>
 #include <chrono>
 #include <cmath>
-#include <cstdint>
-#include <functional>
-#include <system_error>
-#include <thread>
 #include <vector>
 
 #include "eof/Kernels.h"
-#include "eof/PhaseTeam.h"
 #include "eof/ScoreKernel.h"
 #include "state/Finite.h"
 #include "state/Parallel.h"
@@ -198,89 +192,6 @@ void BuildEofMatrix(Session& s, const Array2<double>& X) {
 // summed by the caller, in row order, starting on its own panels while the
 // helper finishes. The deflation by one component is done in the same pass
 // over a panel as the first product of the next.
-void PowerIterations(Session& s, Progress& progress) {
-  const long n = s.EigenOrder;
-  s.EigenWork.Require(n, n);
-  s.EigenVectors.Require(n + 1, n);
-  const std::size_t nn = static_cast<std::size_t>(n), rows = kernels::kPanelRows;
-  const std::size_t panels = (nn + rows - 1) / rows;
-  // Panel p holds rows p * rows + 1.. of A, the last one as many rows as
-  // are left rounded up to a whole register (the rest zero):
-  // P[p * rows * n + k * 4 * quads(p) + i] = A(p * rows + i + 1, k + 1).
-  auto quads = [&](std::size_t p) {
-    return std::min(kernels::kPanelQuads, (nn - p * rows + 3) / 4);
-  };
-  std::vector<double> P(panels * rows * nn, 0.0);
-  auto at = [&](std::size_t r, std::size_t k) -> double& {
-    const std::size_t p = r / rows;
-    return P[p * rows * nn + k * 4 * quads(p) + r % rows];
-  };
-  for (std::size_t r = 0; r < nn; ++r)
-    for (std::size_t k = 0; k < nn; ++k)
-      at(r, k) = s.EigenWork(static_cast<long>(r) + 1, static_cast<long>(k) + 1);
-  // Vectors padded to whole panels: v the one multiplied, old the component
-  // being deflated, scaled = old times its norm.
-  const std::size_t padded = panels * rows;
-  std::vector<double> v(padded, 0.0), w(padded, 0.0), old(padded, 0.0), scaled(padded, 0.0);
-
-  bool deflate = false;  // what the next phase does besides the products
-  // Small matrices are not worth a second thread: one part of all panels.
-  const std::size_t perPart = n >= 128 ? 1 : std::max<std::size_t>(panels, 1);
-  auto part = [&](long t) {
-    const std::size_t p0 = static_cast<std::size_t>(t) * perPart;
-    const std::size_t p1 = std::min(panels, p0 + perPart);
-    for (std::size_t p = p0; p < p1; ++p) {
-      double* panel = P.data() + p * rows * nn;
-      if (deflate)
-        kernels::DeflateAndSumPanel(w.data() + p * rows, panel, quads(p), scaled.data() + p * rows,
-                                    old.data(), v.data(), nn);
-      else
-        kernels::SumPanel(w.data() + p * rows, panel, quads(p), v.data(), nn);
-    }
-  };
-  PhaseTeam team(static_cast<long>((panels + perPart - 1) / perPart), part);
-  double sq = 0, norm = 0;
-  std::size_t summed = 0;
-  auto sumSquares = [&](std::size_t upTo) {
-    for (; summed < upTo; ++summed) sq += w[summed] * w[summed];
-  };
-  for (long c = 1; c <= n; ++c) {
-    progress.Step(c);
-    team.SetComponent(c);
-    team.StartComponent(c);
-    std::fill(v.begin(), v.end(), 0.0);
-    v[0] = 1;
-    for (int it = 0; it < 20; ++it) {
-      deflate = c > 1 && it == 0;
-      sq = 0;
-      summed = 0;
-      team.Run([&](long done) {
-        sumSquares(std::min(nn, static_cast<std::size_t>(done) * perPart * rows));
-      });
-      sumSquares(nn);
-      norm = std::sqrt(sq);
-      if (norm == 0) {
-        std::fill(v.begin(), v.end(), 0.0);
-      } else {
-        for (std::size_t r = 0; r < nn; ++r) v[r] = w[r] / norm;
-      }
-    }
-    for (std::size_t r = 0; r < nn; ++r) scaled[r] = v[r] * norm;
-    std::copy(v.begin(), v.end(), old.begin());
-    s.EigenVectors(n + 1, c) = norm;
-    for (std::size_t r = 0; r < nn; ++r) s.EigenVectors(static_cast<long>(r) + 1, c) = v[r];
-  }
-  // The deflation by the last component, with products nobody reads.
-  if (n > 0) {
-    deflate = true;
-    std::fill(v.begin(), v.end(), 0.0);
-    team.Run();
-  }
-  for (std::size_t r = 0; r < nn; ++r)
-    for (std::size_t k = 0; k < nn; ++k)
-      s.EigenWork(static_cast<long>(r) + 1, static_cast<long>(k) + 1) = at(r, k);
-}
-
 namespace {
 
 // The three passes' sorts on the computed columns: column 0 carries over

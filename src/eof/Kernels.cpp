@@ -14,6 +14,11 @@ VARNOTH_CLONES void SubtractScaled(double* __restrict y, const double* __restric
   for (std::size_t i = 0; i < n; ++i) y[i] = y[i] - x[i] * a;
 }
 
+VARNOTH_CLONES void Divide(double* __restrict y, const double* __restrict x, double d,
+                           std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i) y[i] = x[i] / d;
+}
+
 }  // namespace varnoth::kernels
 
 namespace varnoth::kernels {

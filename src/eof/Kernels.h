@@ -10,6 +10,8 @@ namespace varnoth::kernels {
 void AddScaled(double* y, const double* x, double a, std::size_t n);
 // y[i] = y[i] - x[i] * a
 void SubtractScaled(double* y, const double* x, double a, std::size_t n);
+// y[i] = x[i] / d
+void Divide(double* y, const double* x, double d, std::size_t n);
 
 }  // namespace varnoth::kernels
 
