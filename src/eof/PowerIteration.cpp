@@ -31,12 +31,12 @@ struct alignas(64) Line {
   std::atomic<Count> value{0};
 };
 
-// The caller's signal that its rows of product t are summed, with the sum
-// of their squares; kept by the parity of t, because the helper may still
-// read one product's while the caller is at the next.
+// The caller's signal that product t is summed, with its sum of squares;
+// kept by the parity of t, because the helper may still read one product's
+// while the caller is at the next.
 struct alignas(64) CallerLine {
   std::atomic<Count> value{0};
-  double prefix[2] = {0, 0};
+  double sq[2] = {0, 0};
 };
 
 // One thread's copy of the vectors a product needs.
@@ -54,8 +54,8 @@ class TwoCoreIteration {
  public:
   explicit TwoCoreIteration(Session& s) : s_(s), n_(static_cast<std::size_t>(s.EigenOrder)) {
     const std::size_t rows = kernels::kPanelRows;
-    // The caller also sums its rows' squares before it signals, so it
-    // takes a little less than half. Both sides start on whole registers.
+    // The caller also adds up the squares of every row, so it takes a
+    // little less than half. Both sides start on whole registers.
     split_ = n_ >= kShared ? (n_ * 49 / 100) / 4 * 4 : n_;
     auto addPanels = [&](std::size_t from, std::size_t to) {
       for (std::size_t r = from; r < to; r += rows) {
@@ -222,6 +222,13 @@ class TwoCoreIteration {
     invitation_.value.notify_one();
   }
 
+  // Adds the squares of panel p's rows, in order, to sq.
+  double AddSquares(std::size_t p, const double* w, double sq) const {
+    const std::size_t end = std::min(panels_[p].row + 4 * panels_[p].quads, n_);
+    for (std::size_t r = panels_[p].row; r < end; ++r) sq += w[r] * w[r];
+    return sq;
+  }
+
   void CallerProduct(Own& me, long c, int k, int count, bool& slow) {
     const Count t = ++me.t;
     const bool deflate = k == 0 && c > 1;
@@ -229,23 +236,45 @@ class TwoCoreIteration {
     // so a helper put aside for a moment comes back at the next.
     if (inviting_ && !helperIn_) Invite(me, c, k, count, t);
     double* w = w_[t & 1].data();
-    Sums(me, 0, firstHelperPanel_, w, deflate);
+    // Each panel's squares are added while the next panel is read.
     double sq = 0;
-    for (std::size_t r = 0; r < split_; ++r) sq += w[r] * w[r];
+    for (std::size_t p = 0; p < firstHelperPanel_; ++p) {
+      Sums(me, p, p + 1, w, deflate);
+      sq = AddSquares(p, w, sq);
+    }
     helperIn_ = false;
     if (inviting_) {
-      callerDone_.prefix[t & 1] = sq;
-      callerDone_.value.store(t, std::memory_order_release);
       // A helper that has not come for this product by now is off its core:
       // the caller takes it, and the helper finds it taken.
       Count state = helperState_.value.load(std::memory_order_acquire);
       helperIn_ = !(Holds(state) < t &&
                     helperState_.value.compare_exchange_strong(
                         state, Finished(t), std::memory_order_acq_rel, std::memory_order_acquire));
-      if (helperIn_) WaitForHelper(t, slow);
     }
-    if (!helperIn_) Sums(me, firstHelperPanel_, panels_.size(), w, deflate);
-    for (std::size_t r = split_; r < n_; ++r) sq += w[r] * w[r];
+    if (helperIn_) {
+      // The helper's rows are added as its panels come in, so that when its
+      // last one does, only that one's rows are left before the sum is known.
+      for (std::size_t p = firstHelperPanel_; p < panels_.size(); ++p) {
+        if (p + 1 < panels_.size())
+          WaitFor(
+              [&] {
+                return helperPanels_.value.load(std::memory_order_acquire) >=
+                       PanelsDone(t, p + 1 - firstHelperPanel_);
+              },
+              slow);
+        else
+          WaitFor([&] { return Done(helperState_.value.load(std::memory_order_acquire), t); },
+                  slow);
+        sq = AddSquares(p, w, sq);
+      }
+      callerDone_.sq[t & 1] = sq;
+      callerDone_.value.store(t, std::memory_order_release);
+    } else {
+      for (std::size_t p = firstHelperPanel_; p < panels_.size(); ++p) {
+        Sums(me, p, p + 1, w, deflate);
+        sq = AddSquares(p, w, sq);
+      }
+    }
     Normalise(me, w, sq);
   }
 
@@ -257,11 +286,14 @@ class TwoCoreIteration {
   static Count Holds(Count state) { return state >> 1; }
   static bool Done(Count state, Count t) { return Holds(state) > t || state == Finished(t); }
 
-  void WaitForHelper(Count t, bool& slow) {
-    if (Done(helperState_.value.load(std::memory_order_acquire), t)) return;
+  // The helper's panels of product t done, before its last.
+  static Count PanelsDone(Count t, std::size_t panels) { return t << 20 | panels; }
+
+  template <typename Ready>
+  static void WaitFor(Ready ready, bool& slow) {
+    if (ready()) return;
     const auto start = std::chrono::steady_clock::now();
-    for (unsigned spins = 0; !Done(helperState_.value.load(std::memory_order_acquire), t);
-         ++spins) {
+    for (unsigned spins = 0; !ready(); ++spins) {
       if (spins < 2000) {
         Pause();
       } else {
@@ -311,14 +343,20 @@ class TwoCoreIteration {
     }
   }
 
-  // The helper's rows of the product it holds. Unless it is the
-  // component's last, the helper holds the next product from here on,
-  // waits for the caller's rows and makes the next vector: the caller
-  // cannot be two products on, writing over what is read here.
+  // The helper's rows of the product it holds, each panel made known as it
+  // is done. Unless it is the component's last, the helper holds the next
+  // product from here on, waits for the caller's sum of squares and makes
+  // the next vector: the caller cannot be two products on, writing over
+  // what is read here.
   bool HelperProduct(Own& me, bool deflate, bool last) {
     const Count t = me.t;
-    const double* w = w_[t & 1].data();
-    Sums(me, firstHelperPanel_, panels_.size(), w_[t & 1].data(), deflate);
+    double* w = w_[t & 1].data();
+    for (std::size_t p = firstHelperPanel_; p < panels_.size(); ++p) {
+      Sums(me, p, p + 1, w, deflate);
+      if (p + 1 < panels_.size())
+        helperPanels_.value.store(PanelsDone(t, p + 1 - firstHelperPanel_),
+                                  std::memory_order_release);
+    }
     if (last) {
       helperState_.value.store(Finished(t), std::memory_order_release);
       return true;
@@ -331,9 +369,7 @@ class TwoCoreIteration {
       else
         std::this_thread::yield();
     }
-    double sq = callerDone_.prefix[t & 1];
-    for (std::size_t r = split_; r < n_; ++r) sq += w[r] * w[r];
-    Normalise(me, w, sq);
+    Normalise(me, w, callerDone_.sq[t & 1]);
     me.t = t + 1;
     return true;
   }
@@ -347,7 +383,8 @@ class TwoCoreIteration {
   std::vector<double> column0_;  // the caller's copy of the matrix's first column
   CallerLine callerDone_;
   Line helperState_;
-  Line invitation_;  // the first product of the last component the helper may join
+  Line helperPanels_;  // PanelsDone of the product the helper is at
+  Line invitation_;    // the first product of the last component the helper may join
   // With the invitation: the component, its first vector, and the
   // component before it as the deflation needs it.
   long recordComponent_ = 0;
