@@ -9,10 +9,18 @@ file(GLOB VARNOTH_PRESENTATION_SOURCES CONFIGURE_DEPENDS src/presentation/*.cpp 
 if(VARNOTH_PRESENTATION_SOURCES)
   add_library(varnoth_presentation STATIC ${VARNOTH_PRESENTATION_SOURCES})
   target_link_libraries(varnoth_presentation PUBLIC varnoth_engine Qt6::Gui Qt6::Svg)
-  # varnoth-batch --figures: the same drawing functions, offscreen.
+  # varnoth-batch --figures: the same drawing functions, offscreen, in a
+  # program of their own. Loading the drawing libraries takes longer than a
+  # run of the EOF analysis, so varnoth-batch starts this program only for
+  # the runs that ask for figures (and for its option list).
   file(GLOB VARNOTH_BATCH_FIGURE_SOURCES CONFIGURE_DEPENDS src/app/batch_figures/*.cpp)
-  target_sources(varnoth-batch PRIVATE ${VARNOTH_BATCH_FIGURE_SOURCES})
-  target_link_libraries(varnoth-batch PRIVATE varnoth_presentation)
+  add_executable(varnoth-batch-figures src/app/batch/main.cpp $<TARGET_OBJECTS:varnoth_batch_steps>
+                 ${VARNOTH_BATCH_FIGURE_SOURCES})
+  target_link_libraries(varnoth-batch-figures PRIVATE varnoth_presentation)
+  target_compile_definitions(varnoth-batch-figures PRIVATE
+    VARNOTH_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/data/examples")
+  target_compile_definitions(varnoth-batch PRIVATE VARNOTH_FIGURES_PROGRAM="varnoth-batch-figures")
+  add_dependencies(varnoth-batch varnoth-batch-figures)
 endif()
 
 file(GLOB VARNOTH_UI_SOURCES CONFIGURE_DEPENDS src/ui/*.cpp src/ui/*.h)
@@ -50,7 +58,7 @@ endif()
 
 # The world coastline of the interpolation map, found in the source tree
 # when the program is not installed.
-foreach(target varnoth_ui varnoth_gui_bench varnoth-batch)
+foreach(target varnoth_ui varnoth_gui_bench varnoth-batch-figures)
   if(TARGET ${target})
     target_compile_definitions(${target} PRIVATE
       VARNOTH_COASTLINE="${PROJECT_SOURCE_DIR}/data/coastline.csv")

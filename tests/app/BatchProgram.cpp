@@ -11,6 +11,11 @@ extern char** environ;
 namespace varnoth::test {
 
 BatchResult RunBatchProgram(std::vector<std::string> args, const std::string& workDir) {
+  return RunProgram(VARNOTH_BATCH, std::move(args), workDir);
+}
+
+BatchResult RunProgram(const std::string& program, std::vector<std::string> args,
+                       const std::string& workDir) {
   const std::string outPath = workDir + "/.stdout", errPath = workDir + "/.stderr";
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
@@ -19,13 +24,13 @@ BatchResult RunBatchProgram(std::vector<std::string> args, const std::string& wo
   posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
                                    0644);
   posix_spawn_file_actions_addchdir_np(&actions, workDir.c_str());
-  args.insert(args.begin(), VARNOTH_BATCH);
+  args.insert(args.begin(), program);
   std::vector<char*> argv;
   for (auto& a : args) argv.push_back(a.data());
   argv.push_back(nullptr);
   BatchResult r;
   pid_t pid;
-  if (posix_spawn(&pid, VARNOTH_BATCH, &actions, nullptr, argv.data(), environ) == 0) {
+  if (posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), environ) == 0) {
     int status = 0;
     waitpid(pid, &status, 0);
     r.ExitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;

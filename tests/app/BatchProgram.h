@@ -14,6 +14,9 @@ struct BatchResult {
 
 // Runs the program with these arguments in `workDir`.
 BatchResult RunBatchProgram(std::vector<std::string> args, const std::string& workDir);
+// The same with another program.
+BatchResult RunProgram(const std::string& program, std::vector<std::string> args,
+                       const std::string& workDir);
 
 // A run in a fresh temporary folder, with `--out` pointing into it.
 class BatchRun {

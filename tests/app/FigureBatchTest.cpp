@@ -3,6 +3,7 @@
 // set's figures when no tables are given.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <set>
 
@@ -155,11 +156,11 @@ TEST_F(FigureBatch, OnlyTheFiguresOfWhatRan) {
 // The calibration tool's eight figures and the chart of the calibrated
 // parameter, as the window shows them after "Start".
 TEST_F(FigureBatch, CalibrationFiguresAndChart) {
-  const BatchResult r = RunBatchProgram(
-      {"--reference", Examples("reference.csv"), "--fossil", Examples("fossil.csv"), "--climate",
-       Examples("climate.csv"), "--calibrate", "SumSST", "--out", "out", "--figures", "figs",
-       "--figure-format", "png"},
-      dir.Path(""));
+  const BatchResult r =
+      RunBatchProgram({"--reference", Examples("reference.csv"), "--fossil", Examples("fossil.csv"),
+                       "--climate", Examples("climate.csv"), "--calibrate", "SumSST", "--out",
+                       "out", "--figures", "figs", "--figure-format", "png"},
+                      dir.Path(""));
   ASSERT_EQ(r.ExitCode, 0) << r.Err;
   const std::set<std::string> files = FilesIn(dir.Path("figs"));
   for (int f = 1; f <= 8; ++f) {
@@ -214,5 +215,52 @@ TEST_F(FigureBatch, WrongFigureFormatIsAUsageError) {
             2);
   EXPECT_FALSE(fs::exists(dir.Path("figs")));
 }
+
+// varnoth-batch itself is built without the drawing libraries, whose loading
+// takes longer than a run of the EOF analysis.
+TEST(BatchProgram, NeedsNoDrawingLibrary) {
+  FILE* pipe = popen("readelf -d " VARNOTH_BATCH, "r");
+  ASSERT_NE(pipe, nullptr);
+  std::string needed;
+  char line[512];
+  while (fgets(line, sizeof line, pipe))
+    if (std::string(line).find("(NEEDED)") != std::string::npos) needed += line;
+  ASSERT_EQ(pclose(pipe), 0);
+  EXPECT_NE(needed.find("libc.so"), std::string::npos) << needed;
+  EXPECT_EQ(needed.find("libQt"), std::string::npos) << needed;
+}
+
+// The runs that ask for figures go on in varnoth-batch-figures (the tests
+// above run varnoth-batch); the list of options is that program's, with the
+// figures' options in it.
+TEST_F(FigureBatch, TheOptionListHasTheFigureOptions) {
+  const BatchResult r = RunBatchProgram({"--help"}, dir.Path(""));
+  ASSERT_EQ(r.ExitCode, 0) << r.Err;
+  for (const char* option : {"--figures", "--figure-format", "--figure-style", "--figure-width"})
+    EXPECT_NE(r.Out.find(std::string("  ") + option + " "), std::string::npos) << option;
+}
+
+#ifdef VARNOTH_BATCH_FIGURES_PROGRAM
+// A run without figures writes the same bytes whichever of the two programs
+// runs it.
+TEST_F(FigureBatch, BothProgramsWriteTheSameFilesWithoutFigures) {
+  const std::vector<std::string> args = {
+      "--reference", Examples("reference.csv"), "--fossil", Examples("fossil.csv"),
+      "--climate",   Examples("climate.csv"),   "--coniss", "--error-model",
+      "--timestamp", "2026-01-02 03:04:05"};
+  auto with = [&](const std::string& out) {
+    std::vector<std::string> a = args;
+    a.insert(a.end(), {"--out", out});
+    return a;
+  };
+  ASSERT_EQ(RunBatchProgram(with("lean"), dir.Path("")).ExitCode, 0);
+  ASSERT_EQ(RunProgram(VARNOTH_BATCH_FIGURES_PROGRAM, with("full"), dir.Path("")).ExitCode, 0);
+  const std::set<std::string> names = FilesIn(dir.Path("lean"));
+  EXPECT_GT(names.size(), 10u);
+  EXPECT_EQ(FilesIn(dir.Path("full")), names);
+  for (const auto& name : names)
+    EXPECT_TRUE(ReadFile(dir.Path("lean/" + name)) == ReadFile(dir.Path("full/" + name))) << name;
+}
+#endif
 
 }  // namespace

@@ -23,6 +23,9 @@ for d in fonts-dejavu-core qt6-qpa-plugins; do
   [[ "$depends" == *"$d"* ]] || { echo "missing dependency: $d"; exit 1; }
 done
 if grep -q " ./usr/bin/varnoth\$" "$work/contents"; then
+  # varnoth-batch hands the runs with figures to the program that draws them.
+  grep -q " ./usr/bin/varnoth-batch-figures\$" "$work/contents" ||
+    { echo "missing in the package: ./usr/bin/varnoth-batch-figures"; exit 1; }
   [[ "$depends" == *libqt6widgets6* ]] || { echo "missing dependency: libqt6widgets6"; exit 1; }
   # Figures are saved as SVG drawings by both programs.
   [[ "$depends" == *libqt6svg6* ]] || { echo "missing dependency: libqt6svg6"; exit 1; }
@@ -37,7 +40,7 @@ for f in loading.csv score-reference.csv score-fossil.csv coniss.csv curve-all.c
 done
 grep -q "share/varnoth/examples/reference.csv" "$work/run/varnoth-out/loading.csv" ||
   { echo "the run did not read the packaged examples"; exit 1; }
-# The example set's figures, drawn offscreen by the unpacked program.
+# The example set's figures, drawn offscreen by the unpacked programs.
 if grep -q " ./usr/bin/varnoth\$" "$work/contents"; then
   (cd "$work/run" && "$work/root/usr/bin/varnoth-batch" --figures figs --figure-format pdf >/dev/null 2>&1)
   for f in scatter-sites diagram diagram-taxa-names reconstruction-SumSST est-obs-SumSST; do

@@ -1,5 +1,6 @@
 // varnoth-batch: reproducible runs of the analyses from the command line.
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -65,7 +66,11 @@ Options Parse(int argc, char** argv) {
     auto spec = std::find_if(specs.begin(), specs.end(),
                              [&](const OptionSpec& s) { return s.Name == arg; });
     if (spec == specs.end() && (arg == "--figures" || arg.rfind("--figure-", 0) == 0))
+#ifdef VARNOTH_FIGURES_PROGRAM
+      throw UsageError{arg + " needs " VARNOTH_FIGURES_PROGRAM " beside varnoth-batch"};
+#else
       throw UsageError{arg + " needs varnoth-batch built with the desktop program (VARNOTH_GUI)"};
+#endif
     if (spec == specs.end()) throw UsageError{"unknown argument " + arg};
     if (spec->ValueName.empty()) {
       o.Set(arg, "yes");
@@ -105,9 +110,35 @@ FileStamp StampFrom(const Options& o) {
   return {t.substr(0, space), t.substr(space + 1)};
 }
 
+#ifdef VARNOTH_FIGURES_PROGRAM
+// The drawing libraries take longer to load than a run of the EOF analysis,
+// so this program is built without them: a run that asks for figures, or
+// for the list of options (which includes the figures'), goes on in the
+// program beside this one that has them, with the same arguments. Returns
+// only when that program cannot be started.
+void HandOverFigures(int argc, char** argv) {
+  bool figures = false;
+  for (int i = 1; i < argc; ++i) {
+    const std::string arg = argv[i];
+    figures = figures || arg == "--help" || arg == "--figures" || arg.rfind("--figure-", 0) == 0;
+  }
+  if (!figures) return;
+  std::error_code error;
+  const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (error) return;
+  const std::string program = (self.parent_path() / VARNOTH_FIGURES_PROGRAM).string();
+  std::vector<char*> args(argv, argv + argc + 1);
+  args[0] = const_cast<char*>(program.c_str());
+  execv(program.c_str(), args.data());
+}
+#endif
+
 }  // namespace
 
 int main(int argc, char** argv) {
+#ifdef VARNOTH_FIGURES_PROGRAM
+  HandOverFigures(argc, argv);
+#endif
   std::sort(Steps().begin(), Steps().end(),
             [](const Step& a, const Step& b) { return a.Order < b.Order; });
   Options options;
