@@ -131,15 +131,33 @@ __attribute__((target("avx2"))) double Stream256(const double* block, long doubl
   return out[0] + out[1] + out[2] + out[3];
 }
 
+// The same reads with no arithmetic: what the cache delivers.
+__attribute__((target("avx2"))) double Read256(const double* block, long doubles, long passes) {
+  __m256i acc[4];
+  for (int k = 0; k < 4; ++k) acc[k] = _mm256_setzero_si256();
+  for (long p = 0; p < passes; ++p)
+    for (long i = 0; i < doubles; i += 16)
+#pragma GCC unroll 4
+      for (int k = 0; k < 4; ++k)
+        acc[k] = _mm256_or_si256(
+            acc[k], _mm256_loadu_si256(reinterpret_cast<const __m256i*>(block + i + 4 * k)));
+  const __m256i s =
+      _mm256_or_si256(_mm256_or_si256(acc[0], acc[1]), _mm256_or_si256(acc[2], acc[3]));
+  long long out[4];
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), s);
+  return static_cast<double>(out[0] | out[1] | out[2] | out[3]);
+}
+
 // GB/s read by `threads` threads at once, each from a block of `bytes`.
-double MeasureStream(long bytes, int threads, int repeats) {
+double MeasureStream(long bytes, int threads, int repeats, bool arithmetic = true) {
   const long doubles = bytes / 8 / 32 * 32;
   const long passes = std::max(1L, (8L << 30) / 8 / doubles / 4);  // 2 GB a thread
   std::vector<std::vector<double>> blocks(
       static_cast<std::size_t>(threads),
       std::vector<double>(static_cast<std::size_t>(doubles), 1e-3));
   const double s = Fastest(threads, repeats, [&](int i) {
-    return Stream256(blocks[static_cast<std::size_t>(i)].data(), doubles, passes);
+    const double* block = blocks[static_cast<std::size_t>(i)].data();
+    return arithmetic ? Stream256(block, doubles, passes) : Read256(block, doubles, passes);
   });
   return 8.0 * doubles * passes * threads / s / 1e9;
 }
@@ -181,5 +199,8 @@ int main(int argc, char** argv) {
     std::printf("%-30s %9.1f GB/s %9.1f GB/s (%d)  = %.1f GFLOP/s at 2 flops per value\n", b.name,
                 one, all, cores, all / 4);
   }
+  const double one = MeasureStream(384L << 10, 1, repeats, false),
+               all = MeasureStream(384L << 10, cores, repeats, false);
+  std::printf("%-30s %9.1f GB/s %9.1f GB/s (%d)\n", "384 KB, no arithmetic", one, all, cores);
   return 0;
 }
