@@ -175,19 +175,11 @@ TEST(Eigen, FastAnalysisEqualsLiteralOnManyRows) {
 // Threads that keep both cores busy take the power iteration's helper away
 // at random moments; the numbers must not depend on who did which part.
 TEST(Eigen, FastAnalysisEqualsLiteralWhileTheCoresAreBusy) {
-  std::atomic<bool> stop{false};
-  std::vector<std::thread> busy;
-  for (int k = 0; k < 3; ++k)
-    busy.emplace_back([&] {
-      volatile double x = 1;
-      while (!stop.load(std::memory_order_relaxed)) x = x * 1.0000001;
-    });
+  BusyThreads busy(3);
   std::string t = MakeTable(170, 90, true, [](int i, int j) {
     return static_cast<double>((i * 29 + j * 3 + (i * j) % 13) % 31) / 7;
   });
   CompareWithLiteral(t, PreTreatmentSettings{});
-  stop = true;
-  for (auto& b : busy) b.join();
 }
 
 TEST(Eigen, FastAnalysisEqualsLiteralWithAFossilBase) {

@@ -3,17 +3,17 @@
 // cells that overflow on the way, and zeros of either sign.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cmath>
 #include <cstring>
 #include <limits>
 #include <random>
-#include <thread>
 #include <vector>
 
 #include "eof/Eigen.h"
+#include "support/TestSupport.h"
 
 using namespace varnoth;
+using namespace varnoth::test;
 
 namespace {
 
@@ -175,14 +175,6 @@ TEST(PowerIteration, ZerosOfEitherSignGiveThePlainLoopsBits) {
 // Threads that keep both cores busy take the helper away at any moment:
 // it drops out at one product and joins again at another.
 TEST(PowerIteration, HelperTakenAwayAtRandomGivesThePlainLoopsBits) {
-  std::atomic<bool> stop{false};
-  std::vector<std::thread> busy;
-  for (int k = 0; k < 3; ++k)
-    busy.emplace_back([&] {
-      volatile double x = 1;
-      while (!stop.load(std::memory_order_relaxed)) x = x * 1.0000001;
-    });
+  BusyThreads busy(3);
   for (unsigned seed = 10; seed < 13; ++seed) ExpectSameAsPlain(Matrix(160, 1, seed));
-  stop = true;
-  for (auto& b : busy) b.join();
 }

@@ -1,10 +1,12 @@
 #pragma once
 // Helpers shared by the engine tests: scripted dialog answers and files in a
 // temporary folder.
+#include <atomic>
 #include <deque>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "state/Dialogs.h"
@@ -58,6 +60,29 @@ class TempDir {
 
  private:
   std::filesystem::path dir_;
+};
+
+// Threads that keep every core busy while they live, taking the engine's
+// helper threads off their cores at random moments.
+class BusyThreads {
+ public:
+  explicit BusyThreads(int count) {
+    for (int k = 0; k < count; ++k)
+      threads_.emplace_back([this] {
+        volatile double x = 1;
+        while (!stop_.load(std::memory_order_relaxed)) x = x * 1.0000001;
+      });
+  }
+  ~BusyThreads() {
+    stop_ = true;
+    for (auto& t : threads_) t.join();
+  }
+  BusyThreads(const BusyThreads&) = delete;
+  BusyThreads& operator=(const BusyThreads&) = delete;
+
+ private:
+  std::atomic<bool> stop_{false};
+  std::vector<std::thread> threads_;
 };
 
 std::string ReadFile(const std::string& path);
