@@ -30,16 +30,23 @@ double Chord2(const Unit& a, const Unit& b) {
   return dx * dx + dy * dy + dz * dz;
 }
 
+// The longitude in -180 <= l < 180. The remainder and the one shift are
+// exact, so a longitude of any size stands for one place; adding 180 first
+// would be lost in the rounding of a longitude of 1e17 or more.
 double NormalLongitude(double lon) {
-  double l = std::fmod(lon + 180, 360);
-  if (l < 0) l += 360;
-  return l - 180;  // -180 <= l < 180
+  double l = std::fmod(lon, 360);
+  if (l < -180)
+    l += 360;
+  else if (l >= 180)
+    l -= 360;
+  return l;
 }
 
 }  // namespace
 
 double GreatCircleKm(double lon1, double lat1, double lon2, double lat2) {
-  const double c = std::sqrt(Chord2(UnitVector(lon1, lat1), UnitVector(lon2, lat2)));
+  const double c = std::sqrt(
+      Chord2(UnitVector(NormalLongitude(lon1), lat1), UnitVector(NormalLongitude(lon2), lat2)));
   return 2 * kEarthRadiusKm * std::asin(std::min(1.0, c / 2));
 }
 

@@ -15,7 +15,8 @@ namespace varnoth {
 
 inline constexpr double kEarthRadiusKm = 6371;
 
-// Great-circle distance in km on the sphere of radius 6371 km.
+// Great-circle distance in km on the sphere of radius 6371 km; longitudes
+// are taken modulo 360, as SitesWithin takes them.
 double GreatCircleKm(double lon1, double lat1, double lon2, double lat2);
 
 // For every site (0-based), the other sites at a great-circle distance of at

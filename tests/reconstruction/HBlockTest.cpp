@@ -61,6 +61,24 @@ TEST(HBlock, GreatCircleOnTheSphereOf6371Km) {
   EXPECT_NEAR(GreatCircleKm(179.5, 10, -179.5, 10), GreatCircleKm(0, 10, 1, 10), 1e-9);
 }
 
+// A longitude is taken modulo 360 exactly, however large: 1e30 as a single
+// rounds it is 1000000015047466219876688855040, which is 120 more than a
+// multiple of 360, and both measures put such a site at 120 degrees east.
+TEST(HBlock, HugeLongitudesStandForOnePlaceInBothMeasures) {
+  const double huge = static_cast<double>(1e30f), place = 120;
+  EXPECT_NEAR(GreatCircleKm(huge, 10, place, 10), 0, 1e-9);
+  EXPECT_NEAR(GreatCircleKm(-huge, 10, -place, 10), 0, 1e-9);
+  EXPECT_NEAR(GreatCircleKm(720 + 1.5, 0, 1.5 - 1080, 0), 0, 1e-9);
+  EXPECT_NEAR(GreatCircleKm(huge, 0, 0, 0), 6371 * M_PI * 120 / 180, 1e-6);
+  const std::vector<double> lon = {0, huge, place + 0.5, 180 + 1e-13, -180, 1e17, -1e17 - 180},
+                            lat = {0, 0, 0, 0, 0, 0, 0};
+  for (double h : {1.0, 100.0, 7473.55, 12000.0}) {
+    const SiteNeighbours grid = SitesWithin(lon, lat, h), every = ByEveryPair(lon, lat, h);
+    EXPECT_EQ(grid.Start, every.Start) << h;
+    EXPECT_EQ(grid.Rows, every.Rows) << h;
+  }
+}
+
 TEST(HBlock, TheGridFindsThePairsThatEveryPairFinds) {
   std::mt19937 rng(7);
   std::uniform_real_distribution<double> lon(-180, 180), lat(-90, 90), near(-3, 3);
