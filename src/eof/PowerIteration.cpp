@@ -43,7 +43,7 @@ struct alignas(64) CallerLine {
 struct Own {
   std::vector<double> v, old, scaled;
   double norm = 0, sq = 0;
-  Count t = 0;  // the last product this thread has taken part in
+  Count t = 0;  // the caller's last product; the one the helper holds
 };
 
 // Rows 0..split-1 of the matrix are the caller's, the rest the helper's;
@@ -75,7 +75,7 @@ class TwoCoreIteration {
           store_[p.offset + k * 4 * p.quads + i] =
               s.EigenWork(static_cast<long>(p.row + i) + 1, static_cast<long>(k) + 1);
     for (auto& w : w_) w.assign(padded_, 0.0);
-    first_.assign(padded_, 0.0);
+    recordVector_.assign(padded_, 0.0);
     recordOld_.assign(padded_, 0.0);
     recordScaled_.assign(padded_, 0.0);
     column0_.resize(n_);
@@ -168,7 +168,7 @@ class TwoCoreIteration {
   // `product(k, count)` multiplies by me.v and, unless it is the
   // component's last on the helper, leaves the next vector in me.v and its
   // sum of squares in me.sq. Product 0 also deflates the matrix by the
-  // component before. Returns false when the helper has dropped out.
+  // component before. Returns false when the helper is told to stop.
   template <typename Product>
   bool Products(Own& me, int k, int count, Product product) {
     for (; k < count; ++k) {
@@ -215,7 +215,7 @@ class TwoCoreIteration {
     recordComponent_ = c;
     recordPosition_ = k;
     recordCount_ = count;
-    std::copy(me.v.begin(), me.v.end(), first_.begin());
+    std::copy(me.v.begin(), me.v.end(), recordVector_.begin());
     std::copy(me.old.begin(), me.old.end(), recordOld_.begin());
     std::copy(me.scaled.begin(), me.scaled.end(), recordScaled_.begin());
     invitation_.value.store(t, std::memory_order_release);
@@ -329,12 +329,14 @@ class TwoCoreIteration {
       }
       seen = invited;
       if (Quitting()) return;
-      // Holding the first product, the helper may read the invitation: the
-      // caller writes the next one only after this product is done.
+      // Holding the product, the helper may read what came with it: the
+      // caller writes another invitation only at a product that goes on
+      // without the helper, or at the next component, both after the helper
+      // is done with this one.
       if (!Join(invited)) continue;
       const long c = recordComponent_;
       const int k = recordPosition_, count = recordCount_;
-      std::copy(first_.begin(), first_.end(), me.v.begin());
+      std::copy(recordVector_.begin(), recordVector_.end(), me.v.begin());
       std::copy(recordOld_.begin(), recordOld_.end(), me.old.begin());
       std::copy(recordScaled_.begin(), recordScaled_.end(), me.scaled.begin());
       me.t = invited;
@@ -384,12 +386,13 @@ class TwoCoreIteration {
   CallerLine callerDone_;
   Line helperState_;
   Line helperPanels_;  // PanelsDone of the product the helper is at
-  Line invitation_;    // the first product of the last component the helper may join
-  // With the invitation: the component, its first vector, and the
-  // component before it as the deflation needs it.
+  Line invitation_;    // the product the helper may join
+  // With the invitation: the component, the product's place among its
+  // products and their count, the vector it multiplies, and the component
+  // before as the deflation needs it.
   long recordComponent_ = 0;
   int recordPosition_ = 0, recordCount_ = 0;
-  std::vector<double> first_, recordOld_, recordScaled_;
+  std::vector<double> recordVector_, recordOld_, recordScaled_;
   std::thread helper_;
   std::atomic<bool> quit_{false};
   bool inviting_ = false;  // whether the helper may take part in this component
