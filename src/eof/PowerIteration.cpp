@@ -167,12 +167,12 @@ class TwoCoreIteration {
   // Products k..count-1 of component c after its first iteration:
   // `product(k, count)` multiplies by me.v and, unless it is the
   // component's last on the helper, leaves the next vector in me.v and its
-  // sum of squares in me.sq. Product 0 also deflates the matrix by the
-  // component before. Returns false when the helper is told to stop.
+  // sum of squares in me.sq; it returns false when the helper is told to
+  // stop. Product 0 also deflates the matrix by the component before.
   template <typename Product>
-  bool Products(Own& me, int k, int count, Product product) {
+  void Products(Own& me, int k, int count, Product product) {
     for (; k < count; ++k) {
-      if (!product(k, count)) return false;
+      if (!product(k, count)) return;
       if (k == 0 && !std::isfinite(me.sq)) {
         // The first iteration again, literally, on the deflated matrix.
         std::fill(me.v.begin(), me.v.end(), 0.0);
@@ -180,7 +180,6 @@ class TwoCoreIteration {
         count = kIterations + 1;
       }
     }
-    return true;
   }
 
   void Sums(Own& me, std::size_t from, std::size_t to, double* w, bool deflate) {

@@ -117,12 +117,12 @@ FileStamp StampFrom(const Options& o) {
 // program beside this one that has them, with the same arguments. Returns
 // only when that program cannot be started.
 void HandOverFigures(int argc, char** argv) {
-  bool figures = false;
+  bool handOver = false;
   for (int i = 1; i < argc; ++i) {
     const std::string arg = argv[i];
-    figures = figures || arg == "--help" || arg == "--figures" || arg.rfind("--figure-", 0) == 0;
+    handOver = handOver || arg == "--help" || arg == "--figures" || arg.rfind("--figure-", 0) == 0;
   }
-  if (!figures) return;
+  if (!handOver) return;
   std::error_code error;
   const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
   if (error) return;
